@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# Configures and builds into build/ (or $CORVEX_BUILD_DIR). Extra arguments go to cmake.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+bash "$root/scripts/setup.sh"
+build=${CORVEX_BUILD_DIR:-$root/build}
+cmake -S "$root" -B "$build" -G Ninja -DCORVEX_WERROR=ON "$@" >/dev/null
+cmake --build "$build"

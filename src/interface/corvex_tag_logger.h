@@ -1,0 +1,32 @@
+#ifndef CORVEX_INTERFACE_CORVEX_TAG_LOGGER_H_
+#define CORVEX_INTERFACE_CORVEX_TAG_LOGGER_H_
+
+#include <string>
+
+namespace Vantis::Location {
+
+// The one way diagnostics leave the library. Callers pass a finished message; the logger
+// adds only the fixed log type, domain, tag and level and forwards it to the platform print
+// call. Stateless, so any thread may log at any time, also during static initialisation.
+class CorvexTagLogger {
+ public:
+  static constexpr int kLogType = 3;  // the platform's type for system-core components
+  static constexpr unsigned int kDomain = 0xD002300;
+  static constexpr const char* kTag = "Mirelth";
+  static constexpr const char* kFormat = "%{public}s\n";
+
+  static CorvexTagLogger& getInstance();
+
+  void debug(std::string const& message);
+  void info(std::string const& message);
+  void warn(std::string const& message);
+  void error(std::string const& message);
+
+ private:
+  CorvexTagLogger() = default;
+  static void print(int level, std::string const& message);
+};
+
+}  // namespace Vantis::Location
+
+#endif  // CORVEX_INTERFACE_CORVEX_TAG_LOGGER_H_

@@ -1,0 +1,181 @@
+#include "platform/linux_log_sink.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace Vantis::Location {
+namespace {
+
+char levelLetter(int level) {
+  switch (level) {
+    case kPlatformLogDebug:
+      return 'D';
+    case kPlatformLogInfo:
+      return 'I';
+    case kPlatformLogWarn:
+      return 'W';
+    default:
+      return level < kPlatformLogDebug ? 'D' : 'E';
+  }
+}
+
+std::string formatArguments(const char* fmt, va_list args) {
+  std::string out;
+  if (fmt == nullptr) {
+    return out;
+  }
+  for (const char* c = fmt; *c != '\0'; ++c) {
+    if (*c != '%') {
+      out += *c;
+      continue;
+    }
+    const char* directive = c + 1;
+    if (*directive == '%') {
+      out += '%';
+      c = directive;
+      continue;
+    }
+    if (*directive == '{') {
+      const char* close = std::strchr(directive, '}');
+      if (close == nullptr) {
+        out += *c;
+        continue;
+      }
+      directive = close + 1;
+    }
+    if (*directive != 's') {
+      out += *c;
+      continue;
+    }
+    const char* text = va_arg(args, const char*);
+    out += text != nullptr ? text : "(null)";
+    c = directive;
+  }
+  return out;
+}
+
+struct HookSlot {
+  std::mutex mutex;
+  std::atomic<PlatformLogHook> hook{nullptr};
+  void* context = nullptr;
+};
+
+HookSlot& hookSlot() {
+  static HookSlot slot;
+  return slot;
+}
+
+}  // namespace
+
+LinuxLogSink::LinuxLogSink(int minLevel, int fd) : minLevel_(minLevel), fd_(fd) {}
+
+LinuxLogSink& LinuxLogSink::fromEnvironment() {
+  static LinuxLogSink sink = [] {
+    int level = parseLevel(std::getenv("CORVEX_LOG_LEVEL"));
+    int fd = STDERR_FILENO;
+    const char* path = std::getenv("CORVEX_LOG_FILE");
+    if (path != nullptr && *path != '\0') {
+      int opened = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+      if (opened >= 0) {
+        fd = opened;  // kept open for the life of the process
+      }
+    }
+    return LinuxLogSink(level, fd);
+  }();
+  return sink;
+}
+
+int LinuxLogSink::parseLevel(const char* name) {
+  if (name == nullptr) {
+    return kPlatformLogWarn;
+  }
+  struct Named {
+    const char* name;
+    int level;
+  };
+  static const Named kLevels[] = {{"debug", kPlatformLogDebug}, {"info", kPlatformLogInfo},
+                                  {"warn", kPlatformLogWarn},   {"error", kPlatformLogError},
+                                  {"off", kPlatformLogOff}};
+  for (const Named& entry : kLevels) {
+    if (std::strcmp(name, entry.name) == 0) {
+      return entry.level;
+    }
+  }
+  return kPlatformLogWarn;
+}
+
+std::string LinuxLogSink::formatLine(int level, unsigned int domain, const char* tag,
+                                     std::string const& text) {
+  char prefix[48];
+  std::snprintf(prefix, sizeof prefix, "%c 0x%X/", levelLetter(level), domain);
+  std::string line = prefix;
+  line += tag != nullptr ? tag : "";
+  line += ": ";
+  line += text;
+  if (line.back() != '\n') {
+    line += '\n';
+  }
+  return line;
+}
+
+void LinuxLogSink::write(int level, unsigned int domain, const char* tag,
+                         std::string const& text) {
+  if (!keeps(level)) {
+    return;
+  }
+  const std::string line = formatLine(level, domain, tag, text);
+  std::lock_guard<std::mutex> lock(mutex_);
+  const char* data = line.data();
+  size_t left = line.size();
+  while (left > 0) {
+    ssize_t written = ::write(fd_, data, left);
+    if (written < 0) {
+      if (errno == EINTR) {
+        continue;
+      }
+      return;  // nowhere to report a failing log device
+    }
+    data += written;
+    left -= static_cast<size_t>(written);
+  }
+}
+
+int PlatformLogPrint(int /*type*/, int level, unsigned int domain, const char* tag,
+                     const char* fmt, ...) {
+  va_list args;
+  va_start(args, fmt);
+  std::string text = formatArguments(fmt, args);
+  va_end(args);
+
+  HookSlot& slot = hookSlot();
+  if (slot.hook.load(std::memory_order_acquire) != nullptr) {
+    std::lock_guard<std::mutex> lock(slot.mutex);
+    PlatformLogHook hook = slot.hook.load(std::memory_order_relaxed);
+    if (hook != nullptr) {
+      std::string message = text;
+      if (!message.empty() && message.back() == '\n') {
+        message.pop_back();
+      }
+      hook(slot.context, level, message);
+      return static_cast<int>(text.size());
+    }
+  }
+  LinuxLogSink::fromEnvironment().write(level, domain, tag, text);
+  return static_cast<int>(text.size());
+}
+
+void SetPlatformLogHookForTesting(PlatformLogHook hook, void* context) {
+  HookSlot& slot = hookSlot();
+  std::lock_guard<std::mutex> lock(slot.mutex);
+  slot.context = context;
+  slot.hook.store(hook, std::memory_order_release);
+}
+
+}  // namespace Vantis::Location
