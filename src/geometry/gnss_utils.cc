@@ -1,0 +1,86 @@
+#include "geometry/gnss_utils.h"
+
+#include <string>
+
+#include "geometry/distance_utils.h"
+#include "interface/corvex_tag_logger.h"
+
+namespace Vantis::Location {
+
+namespace {
+constexpr int kGnssLocationType = 1;
+constexpr double kOutDoorRatio = 0.15;
+constexpr double kProactiveConfidence = 0.98;
+constexpr double kMaxCohesionSpread = 30.0;
+}  // namespace
+
+bool GnssUtils::isGnss(BleScanInfoWithConfidence const& info) {
+  return info.getLastLocationConst().getLocationType() == kGnssLocationType;
+}
+
+bool GnssUtils::checkValid(std::vector<BleScanInfoWithConfidence> const& infos) {
+  if (infos.empty()) {
+    CorvexTagLogger::getInstance().error("infos == null or is empty");
+    return false;
+  }
+  return true;
+}
+
+int GnssUtils::getGnssCount(std::vector<BleScanInfoWithConfidence> const& infos) {
+  if (!checkValid(infos)) {
+    return 0;
+  }
+  int count = 0;
+  for (BleScanInfoWithConfidence const& info : infos) {
+    if (isGnss(info)) {
+      ++count;
+    }
+  }
+  return count;
+}
+
+double GnssUtils::getGnssRatio(std::vector<BleScanInfoWithConfidence> const& infos) {
+  if (!checkValid(infos)) {
+    return 0.0;
+  }
+  return static_cast<double>(getGnssCount(infos)) / static_cast<double>(infos.size());
+}
+
+bool GnssUtils::isOutDoor(std::vector<BleScanInfoWithConfidence> const& infos) {
+  return getGnssRatio(infos) > kOutDoorRatio;
+}
+
+std::vector<BleScanInfoWithConfidence> GnssUtils::getGnssProactiveList(
+    std::vector<BleScanInfoWithConfidence> const& infos) {
+  std::vector<BleScanInfoWithConfidence> proactive;
+  if (!checkValid(infos)) {
+    return proactive;
+  }
+  for (BleScanInfoWithConfidence const& info : infos) {
+    if (isGnss(info) && info.getConfidence() >= kProactiveConfidence) {
+      proactive.push_back(info);
+    }
+  }
+  return proactive;
+}
+
+bool GnssUtils::checkCohesion(std::vector<BleScanInfoWithConfidence> const& infos) {
+  if (!checkValid(infos)) {
+    return false;
+  }
+  // A lone record is never cohesive, so a single scan cannot vouch for itself.
+  if (infos.size() == 1) {
+    CorvexTagLogger::getInstance().info(
+        "checkCohesion infos.size() = " + std::to_string(infos.size()) + ", bypass");
+    return false;
+  }
+  double spread = DistanceUtils::stdPointError(infos);
+  if (spread > kMaxCohesionSpread) {
+    CorvexTagLogger::getInstance().info(
+        "checkCohesion stdPointError(infos) = " + std::to_string(spread) + ", bypass");
+    return false;
+  }
+  return true;
+}
+
+}  // namespace Vantis::Location

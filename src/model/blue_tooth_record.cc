@@ -1,0 +1,25 @@
+#include "model/blue_tooth_record.h"
+
+namespace Vantis::Location {
+
+BlueToothRecord::BlueToothRecord(std::string const& name, std::string const& mac,
+                                 long long timeStamp, int rssi)
+    : name_(name), mac_(mac), timeStamp_(timeStamp), rssi_(rssi) {}
+
+BlueToothRecord::BlueToothRecord(long long timeStamp, int rssi)
+    : BlueToothRecord("", "", timeStamp, rssi) {}
+
+std::string BlueToothRecord::toString() const {
+  return "BlueToothRecord{name='" + name_ + "', mac='" + mac_ +
+         "', timeStamp=" + std::to_string(timeStamp_) + ", rssi=" + std::to_string(rssi_) + "}";
+}
+
+bool BlueToothRecord::operator<(BlueToothRecord const& other) const {
+  return orderKey() < other.orderKey();
+}
+
+bool BlueToothRecord::operator==(BlueToothRecord const& other) const {
+  return orderKey() == other.orderKey();
+}
+
+}  // namespace Vantis::Location
