@@ -1,0 +1,115 @@
+#include "calculator/db_scan_old.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "support/log_capture.h"
+
+namespace Vantis::Location {
+namespace {
+
+using corvex_test::LogCapture;
+using corvex_test::LogLine;
+
+std::vector<int> idsOf(std::vector<Point> const& points) {
+  std::vector<int> ids;
+  for (Point const& point : points) {
+    ids.push_back(point.getId());
+  }
+  return ids;
+}
+
+TEST(DBScanOld, NeighboursMustBeCloserThanEpsInWholeMetres) {
+  struct Case {
+    double latOffset;
+    double metres;
+    std::vector<int> kept;
+  } const cases[] = {
+      {0.00089, 99, {0, 1}},  // 98.97 m
+      {0.000895, 100, {0}},   // 99.53 m rounds up to the radius
+      {0.0009, 100, {0}},     // 100.08 m
+  };
+  for (Case const& c : cases) {
+    std::vector<Point> points = {Point(0, 0, 0), Point(0, c.latOffset, 1)};
+    ASSERT_EQ(points[0].getDistanceGNSS(points[1]), c.metres);
+    EXPECT_EQ(idsOf(DBScanOld::getFilteredPointList(points, 100.0, 3)), c.kept) << c.latOffset;
+  }
+}
+
+TEST(DBScanOld, NeighbourhoodsSharingAPointMergeWithThatPointOnce) {
+  // 0 and 2 are 133 m apart; 1 lies 67 m from each.
+  std::vector<Point> points = {Point(0, 0, 0), Point(0, 0.0012, 2), Point(0, 0.0006, 1)};
+  LogCapture capture;
+  std::vector<std::vector<Point>> groups = DBScanOld::applyDbScanInner(points, 100.0, 3);
+  ASSERT_EQ(groups.size(), 2u);
+  EXPECT_EQ(idsOf(groups[0]), (std::vector<int>{0, 1, 2}));
+  EXPECT_TRUE(groups[1].empty());
+  EXPECT_EQ(capture.lines(), (std::vector<LogLine>{{4, "applyDbScanInner: 3"},
+                                                   {4, "applyDbScanInner: 0"},
+                                                   {4, "applyDbScanInner: result size 2"}}));
+  for (Point const& point : points) {
+    EXPECT_TRUE(point.isClassed());
+  }
+}
+
+TEST(DBScanOld, KeepsTheEarliestOfTheLargestGroups) {
+  // Three separate spots: a single point, then two pairs.
+  std::vector<Point> points = {Point(1, 1, 0), Point(0, 0, 1), Point(0, 0.0001, 2), Point(2, 2, 3),
+                               Point(2, 2.0001, 4)};
+  LogCapture capture;
+  EXPECT_EQ(idsOf(DBScanOld::getFilteredPointList(points, 100.0, 3)), (std::vector<int>{1, 2}));
+  EXPECT_EQ(capture.messages(),
+            (std::vector<std::string>{"getFilteredPointList", "applyDbScanInner: 1",
+                                      "applyDbScanInner: 2", "applyDbScanInner: 2",
+                                      "applyDbScanInner: result size 3"}));
+}
+
+TEST(DBScanOld, KeyPointNeedsMinPtsNeighboursButEveryNeighbourhoodIsKept) {
+  std::vector<Point> points = {Point(0, 0, 0), Point(0, 0.0001, 1), Point(3, 3, 2)};
+  std::vector<Point> near = DBScanOld::getKeyPoint(points, points[0], 100.0, 2);
+  EXPECT_EQ(idsOf(near), (std::vector<int>{0, 1}));
+  EXPECT_TRUE(points[0].isKey());
+  EXPECT_TRUE(points[1].isClassed());
+  EXPECT_FALSE(points[2].isClassed());
+
+  std::vector<Point> alone = DBScanOld::getKeyPoint(points, points[2], 100.0, 2);
+  EXPECT_EQ(idsOf(alone), (std::vector<int>{2}));
+  EXPECT_FALSE(points[2].isKey());
+  EXPECT_TRUE(points[2].isClassed());
+}
+
+TEST(DBScanOld, MergeListNeedsASharedPoint) {
+  std::vector<Point> a = {Point(0, 0, 0), Point(1, 1, 1)};
+  EXPECT_FALSE(DBScanOld::mergeList(a, {}));
+  EXPECT_FALSE(DBScanOld::mergeList(a, {Point(1, 1, 5)}));  // same place, other id
+  EXPECT_EQ(a.size(), 2u);
+  EXPECT_TRUE(DBScanOld::mergeList(a, {Point(3, 3, 3), Point(1, 1, 1), Point(2, 2, 2)}));
+  EXPECT_EQ(idsOf(a), (std::vector<int>{0, 1, 3, 2}));
+
+  DBScanOld::setListClassed(a);
+  for (Point const& point : a) {
+    EXPECT_TRUE(point.isClassed());
+  }
+}
+
+TEST(DBScanOld, EmptyOrUnmeasurableInputGivesAnEmptyListWithAnError) {
+  struct Case {
+    std::vector<Point> points;
+    std::vector<LogLine> log;
+  } cases[] = {
+      {{}, {{4, "getFilteredPointList"}, {6, "points is empty!"}}},
+      {{Point(0, NAN, 0), Point(INFINITY, 1, 1)},
+       {{4, "getFilteredPointList"},
+        {4, "applyDbScanInner: result size 0"},
+        {6, "dbscanResult is empty."}}},
+  };
+  for (Case& c : cases) {
+    LogCapture capture;
+    EXPECT_TRUE(DBScanOld::getFilteredPointList(c.points, 100.0, 3).empty());
+    EXPECT_EQ(capture.lines(), c.log);
+  }
+}
+
+}  // namespace
+}  // namespace Vantis::Location
