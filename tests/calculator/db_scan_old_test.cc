@@ -65,20 +65,6 @@ TEST(DBScanOld, KeepsTheEarliestOfTheLargestGroups) {
                                       "applyDbScanInner: result size 3"}));
 }
 
-TEST(DBScanOld, KeyPointNeedsMinPtsNeighboursButEveryNeighbourhoodIsKept) {
-  std::vector<Point> points = {Point(0, 0, 0), Point(0, 0.0001, 1), Point(3, 3, 2)};
-  std::vector<Point> near = DBScanOld::getKeyPoint(points, points[0], 100.0, 2);
-  EXPECT_EQ(idsOf(near), (std::vector<int>{0, 1}));
-  EXPECT_TRUE(points[0].isKey());
-  EXPECT_TRUE(points[1].isClassed());
-  EXPECT_FALSE(points[2].isClassed());
-
-  std::vector<Point> alone = DBScanOld::getKeyPoint(points, points[2], 100.0, 2);
-  EXPECT_EQ(idsOf(alone), (std::vector<int>{2}));
-  EXPECT_FALSE(points[2].isKey());
-  EXPECT_TRUE(points[2].isClassed());
-}
-
 TEST(DBScanOld, MergeListNeedsASharedPoint) {
   std::vector<Point> a = {Point(0, 0, 0), Point(1, 1, 1)};
   EXPECT_FALSE(DBScanOld::mergeList(a, {}));

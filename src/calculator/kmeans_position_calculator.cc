@@ -1,0 +1,192 @@
+#include "calculator/kmeans_position_calculator.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <string>
+
+#include "calculator/db_scan_old.h"
+#include "calculator/kmeans_old.h"
+#include "interface/corvex_tag_logger.h"
+
+namespace Vantis::Location {
+
+namespace {
+
+constexpr std::size_t kMaxInfoCount = 5000;
+constexpr std::size_t kKeptByConfidenceCut = 100;
+constexpr std::size_t kSmallListSize = 20;
+constexpr std::size_t kAlwaysKeptByConfidenceCut = 2;
+constexpr std::size_t kNewestKept = 3;
+constexpr double kMinConfidence = 0.8;
+constexpr double kMaxPhoneAcc = 100.0;
+constexpr double kClusterRadius = 100.0;
+constexpr int kClusterMinPoints = 3;
+constexpr float kMinSuccessRatio = 0.5f;
+constexpr int kClusterCount = 1;
+constexpr int kMaxIterations = 10;
+constexpr float kResultAcc = 50.0f;
+
+using Infos = std::vector<BleScanInfoWithConfidence>;
+
+long long scanTime(BleScanInfoWithConfidence const& info) {
+  return info.getBlueToothRecordConst().getTimeStamp();
+}
+
+void sortNewestFirst(Infos& infos) {
+  std::stable_sort(infos.begin(), infos.end(),
+                   [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
+                     return scanTime(a) > scanTime(b);
+                   });
+}
+
+void sortMostConfidentFirst(Infos& infos) {
+  std::stable_sort(infos.begin(), infos.end(),
+                   [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
+                     return a.getConfidence() > b.getConfidence();
+                   });
+}
+
+bool isConfident(BleScanInfoWithConfidence const& info) {
+  return info.getConfidence() >= kMinConfidence;
+}
+
+// The best 20 by confidence, then further ones while they stay confident.
+void appendMostConfident(Infos& candidates, Infos& output) {
+  sortMostConfidentFirst(candidates);
+  auto const unconditionalEnd = candidates.begin() + kSmallListSize;
+  auto const confidentEnd = std::find_if_not(unconditionalEnd, candidates.end(), isConfident);
+  output.insert(output.end(), std::make_move_iterator(candidates.begin()),
+                std::make_move_iterator(confidentEnd));
+}
+
+bool isAmong(LastLocation const& location, std::vector<Point> const& points) {
+  return std::any_of(points.begin(), points.end(), [&location](Point const& point) {
+    return point.getLat() == location.getLat() && point.getLon() == location.getLon() &&
+           point.getAcc() == location.getAcc();
+  });
+}
+
+TagBestLocation newestPhonePosition(BleScanInfoWithConfidence const& latest) {
+  LastLocation const& location = latest.getLastLocationConst();
+  TagBestLocation result(location.getLon(), location.getLat());
+  result.setRunTimeStamp(scanTime(latest));
+  return result;
+}
+
+}  // namespace
+
+TagBestLocation KmeansPositionCalculator::getPosition(Infos& infos) {
+  CorvexTagLogger& logger = CorvexTagLogger::getInstance();
+  if (infos.empty()) {
+    logger.error(" infos is null or empty");
+    return TagBestLocation(ErrorCode::INPUT_INFO_EMPTY);
+  }
+  if (infos.size() > kMaxInfoCount) {
+    logger.error(" infos size exceed limit");
+    return TagBestLocation(ErrorCode::INPUT_INFO_OVER_LIMIT);
+  }
+  Infos offlineLocationList = infos;
+  sortNewestFirst(offlineLocationList);
+  filterLowConfidence(offlineLocationList);
+  long long const latestTime = scanTime(offlineLocationList.front());
+  TagBestLocation fallback = newestPhonePosition(offlineLocationList.front());
+  logger.info(" offlineLocationList size: " + std::to_string(offlineLocationList.size()));
+
+  Infos preprocessed = preprocessOfflineLocation(offlineLocationList);
+  if (preprocessed.empty()) {
+    logger.info(" preprocessedOfflineLocation is empty");
+    return fallback.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);
+  }
+  std::vector<Point> points = convertToPoint(preprocessed);
+  std::vector<Point> filteredPoints =
+      DBScanOld::getFilteredPointList(points, kClusterRadius, kClusterMinPoints);
+  logger.info(" Old DBScan after: " + std::to_string(filteredPoints.size()));
+  if (filteredPoints.empty()) {
+    logger.info(" filteredPointList is empty");
+    return fallback.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);
+  }
+  // A moving tag keeps the newest phone position as a success, not as TAG_IS_MOVED.
+  if (checkMove(preprocessed, filteredPoints)) {
+    logger.info(" TAG is moving.");
+    return fallback;
+  }
+  float const successRatio =
+      static_cast<float>(filteredPoints.size()) / static_cast<float>(points.size());
+  if (successRatio < kMinSuccessRatio) {
+    logger.info(" successRatio too low: " + std::to_string(static_cast<double>(successRatio)));
+    return fallback;
+  }
+  Point core = KmeansOld::getCorePoint(filteredPoints, kClusterCount, kMaxIterations);
+  return convertResult(core, fallback, latestTime);
+}
+
+void KmeansPositionCalculator::filterLowConfidence(Infos& infos) {
+  if (infos.size() <= kSmallListSize) {
+    return;
+  }
+  if (infos.size() > kKeptByConfidenceCut) {
+    infos.erase(infos.begin() + kKeptByConfidenceCut, infos.end());
+  }
+  auto const firstDroppable = infos.begin() + kAlwaysKeptByConfidenceCut;
+  infos.erase(std::remove_if(firstDroppable, infos.end(),
+                             [](BleScanInfoWithConfidence const& info) {
+                               return info.getConfidence() < kMinConfidence;
+                             }),
+              infos.end());
+}
+
+Infos KmeansPositionCalculator::preprocessOfflineLocation(Infos const& infos) {
+  Infos usable;
+  std::copy_if(infos.begin(), infos.end(), std::back_inserter(usable),
+               [](BleScanInfoWithConfidence const& info) {
+                 return !(info.getLastLocationConst().getAcc() > kMaxPhoneAcc);
+               });
+  auto const newestEnd = usable.begin() + std::min(kNewestKept, usable.size());
+  Infos output(std::make_move_iterator(usable.begin()), std::make_move_iterator(newestEnd));
+  Infos remaining(std::make_move_iterator(newestEnd), std::make_move_iterator(usable.end()));
+  if (remaining.size() > kSmallListSize) {
+    appendMostConfident(remaining, output);
+  } else {
+    output.insert(output.end(), std::make_move_iterator(remaining.begin()),
+                  std::make_move_iterator(remaining.end()));
+  }
+  return output;
+}
+
+std::vector<Point> KmeansPositionCalculator::convertToPoint(Infos const& infos) {
+  std::vector<Point> points;
+  points.reserve(infos.size());
+  for (std::size_t i = 0; i < infos.size(); ++i) {
+    LastLocation const& location = infos[i].getLastLocationConst();
+    Point point(location.getLon(), location.getLat(), static_cast<int>(i));
+    point.setAcc(location.getAcc());
+    points.push_back(point);
+  }
+  return points;
+}
+
+bool KmeansPositionCalculator::checkMove(Infos& infos, std::vector<Point> const& points) {
+  sortNewestFirst(infos);
+  std::size_t const newestCount = std::min(kNewestKept, infos.size());
+  for (std::size_t i = 0; i < newestCount; ++i) {
+    if (isAmong(infos[i].getLastLocationConst(), points)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+TagBestLocation KmeansPositionCalculator::convertResult(Point& core, TagBestLocation& result,
+                                                        long long timeStamp) {
+  if (core == Point(0, 0)) {
+    return result.setErrorCodeAndGet(ErrorCode::ALGORITHM_RUNNING_FAILED);
+  }
+  TagBestLocation located(core.getLon(), core.getLat());
+  located.setTimeStamp(timeStamp);
+  located.setRunTimeStamp(timeStamp);
+  located.setAcc(kResultAcc);
+  return located;
+}
+
+}  // namespace Vantis::Location
