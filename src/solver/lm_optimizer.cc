@@ -272,7 +272,7 @@ LMOptimizer::LMOptimizer(double initialStepBound, double costTolerance, double p
       orthogonalityTolerance_(orthogonalityTolerance),
       rankingThreshold_(rankingThreshold) {}
 
-OptimizerResult LMOptimizer::optimize(LSProblem& problem) {
+OptimizerResult LMOptimizer::optimize(LSProblem& problem) const {
   Run run(problem);
   while (true) {
     if (run.iterationCounter.countPlus()) {

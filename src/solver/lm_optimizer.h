@@ -44,7 +44,7 @@ class LMOptimizer {
 
   // Minimises the problem's weighted cost from its start point. Never fails: every stop
   // (convergence, a limit, tolerances too small) returns the estimation current at that time.
-  virtual OptimizerResult optimize(LSProblem& problem);
+  virtual OptimizerResult optimize(LSProblem& problem) const;
 
   // Householder QR with column pivoting of the negated Jacobian.
   DataSet qrDecomposition(std::vector<std::vector<double>> const& jacobian, int solvedCols) const;
