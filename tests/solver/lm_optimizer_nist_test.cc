@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 #include <memory>
 #include <regex>
@@ -425,15 +424,14 @@ TEST(LMOptimizer, FitsNistReferenceProblemsAsRecorded) {
     NistData const data = readNist(c.file);
     ASSERT_FALSE(data.y.empty()) << c.file;
     ASSERT_EQ(data.x.size(), data.y.size()) << c.file;
+    ASSERT_EQ(data.certified.size(), data.start1.size()) << c.file;
     Outcome const expected[] = {c.fromStart1, c.fromStart2};
     Vector const* starts[] = {&data.start1, &data.start2};
     for (int s = 0; s < 2; ++s) {
       Fit const fit = fitNist(data, c.model, c.logResponse, *starts[s]);
-      std::printf("| %s | %s | %d | %s | %.1f | %d | %d |\n", c.file, c.difficulty, s + 1,
-                  name(fit.outcome), fit.minLre, fit.iterations, fit.evaluations);
       EXPECT_STREQ(name(fit.outcome), name(expected[s]))
-          << c.file << " start " << s + 1 << ": min LRE " << fit.minLre << ", " << fit.iterations
-          << " iterations, " << fit.evaluations << " evaluations";
+          << c.file << " (" << c.difficulty << ") start " << s + 1 << ": min LRE " << fit.minLre
+          << ", " << fit.iterations << " iterations, " << fit.evaluations << " evaluations";
     }
   }
 }
