@@ -1,0 +1,321 @@
+#include "filter/ble_scan_info_filters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "filter/confidence_filter.h"
+#include "filter/db_scan_filter.h"
+#include "filter/distance_offset_filter.h"
+#include "filter/distance_offset_from_gnss_filter.h"
+#include "filter/kind_trans_id_filter.h"
+#include "geometry/distance_utils.h"
+#include "geometry/gnss_utils.h"
+#include "interface/corvex_tag_logger.h"
+#include "model/tag_best_location.h"
+
+namespace Vantis::Location {
+
+namespace {
+constexpr long long kMaxAge = 21600001;           // ms; more than six hours is too old
+constexpr long long kMaxClusterAgeGap = 7200001;  // ms; more than two hours
+constexpr int kMinConfidenceItems = 15;
+constexpr double kMinConfidence = 0.6;
+constexpr int kMinDistanceItems = 10;
+constexpr double kMaxDistanceStd = 15.0;  // metres
+constexpr int kClusterMinPts = 1;
+constexpr double kDynamicEps = 400.0;           // metres
+constexpr double kStaticEps = 60.0;             // metres
+constexpr double kMaxLatestPointsJump = 400.0;  // metres
+constexpr int kGnssLocationType = 1;
+constexpr size_t kMinOneGnssClusterSize = 4;
+constexpr double kActiveConfidence = 0.98;
+constexpr float kMaxActiveAcc = 50.0f;  // metres
+
+void logInfo(std::string const& message) { CorvexTagLogger::getInstance().info(message); }
+
+// later - earlier (ms), wrapping like the hardware instead of overflowing.
+long long elapsed(long long later, long long earlier) {
+  return static_cast<long long>(static_cast<uint64_t>(later) - static_cast<uint64_t>(earlier));
+}
+
+long long timeStampOf(BleScanInfoWithConfidence const& info) {
+  return info.getBlueToothRecordConst().getTimeStamp();
+}
+
+// Half the count, truncated, but at least `floor`.
+int halfAtLeast(size_t count, int floor) {
+  int half = static_cast<int>(static_cast<double>(count) * 0.5);
+  return half > floor ? half : floor;
+}
+
+void appendCount(std::vector<int>& infoCount, std::vector<BleScanInfoWithConfidence> const& infos) {
+  infoCount.push_back(static_cast<int>(infos.size()));
+}
+
+void removeOlderThanSixHours(std::vector<BleScanInfoWithConfidence>& infos) {
+  long long newest = timeStampOf(infos.back());
+  infos.erase(std::remove_if(infos.begin(), infos.end(),
+                             [newest](BleScanInfoWithConfidence const& info) {
+                               return elapsed(newest, timeStampOf(info)) >= kMaxAge;
+                             }),
+              infos.end());
+}
+
+}  // namespace
+
+std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
+    std::vector<BleScanInfoWithConfidence> const& infos, std::vector<int>& infoCount) {
+  if (infos.empty()) {
+    CorvexTagLogger::getInstance().error("infos is null or empty");
+    return {};
+  }
+  std::vector<BleScanInfoWithConfidence> result = infos;
+  appendCount(infoCount, result);
+  removeOlderThanSixHours(result);
+  appendCount(infoCount, result);
+  result = KindTransIDFilter::filter(result);
+  appendCount(infoCount, result);
+  result = ConfidenceFilter::filter(result, halfAtLeast(result.size(), kMinConfidenceItems),
+                                    kMinConfidence);
+  appendCount(infoCount, result);
+  logInfo("Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): " +
+          printVec(infoCount));
+  dbscanClustering(result, DYNAMIC_STAGE);
+  appendCount(infoCount, result);
+  dbscanClustering(result, STATIC_STAGE);
+  appendCount(infoCount, result);
+  if (GnssUtils::isOutDoor(result)) {
+    logInfo("GnssRatio: " + std::to_string(GnssUtils::getGnssRatio(result)));
+    result = DistanceOffsetFromGnssFilter::filter(result);
+    appendCount(infoCount, result);
+    logInfo("Infos size(Filtered by GNSS std): " + std::to_string(result.size()));
+    result = DistanceOffsetFilter::filterByDistance(
+        result, halfAtLeast(result.size(), kMinDistanceItems), kMaxDistanceStd);
+    appendCount(infoCount, result);
+    logInfo("Infos size(Filtered by distance std): " + std::to_string(result.size()));
+  }
+  std::stable_sort(result.begin(), result.end(),
+                   [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
+                     return timeStampOf(a) < timeStampOf(b);
+                   });
+  return result;
+}
+
+void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos,
+                                          DbscanStage stage) {
+  std::string const stageText = std::to_string(static_cast<int>(stage));
+  ClusterList clusters = DBScanFilter::filter(infos, kClusterMinPts,
+                                              stage == DYNAMIC_STAGE ? kDynamicEps : kStaticEps);
+  if (clusters.size() == 1) {
+    infos = clusters.front();
+  } else if (clusters.empty()) {
+    // Keeps the last record as the list stands, which need not be the newest one.
+    if (!infos.empty()) {
+      infos = {infos.back()};
+    }
+    logInfo("Cluster failed, return latest info in stage " + stageText);
+  } else {
+    printClusterResult(clusters);
+    int index =
+        stage == DYNAMIC_STAGE ? selectDynamicCluster(clusters) : selectStaticCluster(clusters);
+    if (index >= 0) {
+      infos = clusters[static_cast<size_t>(index)];
+    }
+  }
+  logInfo("Filtered by DBScan stage " + stageText + ", Infos size: " +
+          std::to_string(infos.size()) + ", cluster size: " + std::to_string(clusters.size()));
+}
+
+void BleScanInfoFilters::printClusterResult(ClusterList const& clusters) {
+  std::vector<int> sizes;
+  for (Cluster const& cluster : clusters) {
+    sizes.push_back(static_cast<int>(cluster.size()));
+  }
+  logInfo("Cluster size: " + printVec(sizes));
+}
+
+std::string BleScanInfoFilters::printVec(std::vector<int> const& values) {
+  return TagBestLocation::printVec(values);
+}
+
+std::vector<int> BleScanInfoFilters::getLatestPointsCluster(ClusterList const& clusters) {
+  struct Labelled {
+    int cluster;
+    BleScanInfoWithConfidence const* info;
+  };
+  std::vector<Labelled> newestFirst;
+  for (size_t i = 0; i < clusters.size(); ++i) {
+    for (BleScanInfoWithConfidence const& info : clusters[i]) {
+      newestFirst.push_back({static_cast<int>(i), &info});
+    }
+  }
+  std::stable_sort(newestFirst.begin(), newestFirst.end(),
+                   [](Labelled const& a, Labelled const& b) {
+                     return timeStampOf(*a.info) > timeStampOf(*b.info);
+                   });
+  std::vector<int> labels(newestFirst.size(), -1);
+  for (size_t i = 0; i < newestFirst.size(); ++i) {
+    labels[i] = newestFirst[i].cluster;
+    if (i + 1 < newestFirst.size() &&
+        std::sqrt(DistanceUtils::distSquare(*newestFirst[i].info, *newestFirst[i + 1].info)) >
+            kMaxLatestPointsJump) {
+      logInfo("isValid set to false, valid len = " + std::to_string(i + 1));
+      break;
+    }
+  }
+  return labels;
+}
+
+int BleScanInfoFilters::getClusterByTimeSwitchCheck(ClusterList const& clusters) {
+  std::vector<int> const labels = getLatestPointsCluster(clusters);
+  logInfo("Latest points belong to: " + printVec(labels));
+  // Each unbroken stretch of one label counts as one visit of that cluster.
+  std::vector<int> visits(clusters.size(), 0);
+  for (size_t i = labels.size(); i-- > 0;) {
+    int label = labels[i];
+    if (label != -1 && (i + 1 == labels.size() || labels[i + 1] != label)) {
+      ++visits[static_cast<size_t>(label)];
+    }
+  }
+  if (labels.size() < 2 || labels[0] < 0) {
+    return -1;
+  }
+  bool oneVisit = visits[static_cast<size_t>(labels[0])] == 1;
+  return oneVisit && labels[1] == labels[0] ? labels[0] : -1;
+}
+
+int BleScanInfoFilters::selectStaticCluster(ClusterList& clusters) {
+  int index = getLatestCluster(clusters);
+  if (index >= 0) {
+    logInfo("getLatestCluster");
+    return index;
+  }
+  index = getHaveGnssCluster(clusters);
+  if (index >= 0) {
+    logInfo("haveGnssCluster");
+    return index;
+  }
+  index = getActiveCluster(clusters);
+  if (index >= 0) {
+    logInfo("haveActiveCluster");
+    return index;
+  }
+  index = getClusterByTimeSwitchCheck(clusters);
+  return index >= 0 ? index : findBiggestClusterIndex(clusters);
+}
+
+int BleScanInfoFilters::selectDynamicCluster(ClusterList const& clusters) {
+  int index = getClusterByTimeSwitchCheck(clusters);
+  return index >= 0 ? index : findBiggestClusterIndex(clusters);
+}
+
+int BleScanInfoFilters::getLatestCluster(ClusterList& clusters) {
+  struct Latest {
+    int cluster;
+    long long timeStamp;
+  };
+  std::vector<Latest> newestFirst;
+  for (size_t i = 0; i < clusters.size(); ++i) {
+    newestFirst.push_back({static_cast<int>(i), getClusterTimeStamp(clusters[i])});
+  }
+  std::stable_sort(newestFirst.begin(), newestFirst.end(),
+                   [](Latest const& a, Latest const& b) { return a.timeStamp > b.timeStamp; });
+  std::vector<int> stale;
+  if (newestFirst.size() >= 2) {
+    long long newest = newestFirst.front().timeStamp;
+    for (size_t i = newestFirst.size() - 1; i >= 1; --i) {
+      if (elapsed(newest, newestFirst[i].timeStamp) >= kMaxClusterAgeGap) {
+        stale.push_back(newestFirst[i].cluster);
+        newestFirst.erase(newestFirst.begin() + static_cast<std::ptrdiff_t>(i));
+      }
+    }
+  }
+  if (newestFirst.size() == 1) {
+    logInfo("saved cluster: " + std::to_string(newestFirst.front().cluster));
+    return newestFirst.front().cluster;
+  }
+  std::sort(stale.begin(), stale.end(), std::greater<int>());
+  logInfo("delete cluster: " + printVec(stale));
+  for (int index : stale) {
+    clusters.erase(clusters.begin() + index);
+  }
+  return -1;
+}
+
+int BleScanInfoFilters::getHaveGnssCluster(ClusterList const& clusters) {
+  int candidate = -1;
+  int candidates = 0;
+  for (size_t i = 0; i < clusters.size(); ++i) {
+    int gnssCount = getGnssCount(clusters[i]);
+    bool qualifies = gnssCount >= 2;
+    if (gnssCount == 1 && clusters[i].size() >= kMinOneGnssClusterSize) {
+      logInfo("only one GNSS, needs careful consideration");
+      qualifies = true;
+    }
+    if (qualifies) {
+      candidate = static_cast<int>(i);
+      ++candidates;
+    }
+  }
+  return candidates == 1 ? candidate : -1;
+}
+
+int BleScanInfoFilters::getActiveCluster(ClusterList const& clusters) {
+  int candidate = -1;
+  int candidates = 0;
+  for (size_t i = 0; i < clusters.size(); ++i) {
+    if (getActiveCount(clusters[i]) >= 2) {
+      candidate = static_cast<int>(i);
+      ++candidates;
+    }
+  }
+  return candidates == 1 ? candidate : -1;
+}
+
+int BleScanInfoFilters::getActiveCount(Cluster const& cluster) {
+  int count = 0;
+  for (BleScanInfoWithConfidence const& info : cluster) {
+    if (info.getConfidence() >= kActiveConfidence &&
+        info.getLastLocationConst().getAcc() < kMaxActiveAcc) {
+      ++count;
+    }
+  }
+  logInfo("getActiveCount: " + std::to_string(count));
+  return count;
+}
+
+int BleScanInfoFilters::getGnssCount(Cluster const& cluster) {
+  int count = 0;
+  for (BleScanInfoWithConfidence const& info : cluster) {
+    if (info.getLastLocationConst().getLocationType() == kGnssLocationType) {
+      ++count;
+    }
+  }
+  logInfo("getGnssCount: " + std::to_string(count));
+  return count;
+}
+
+int BleScanInfoFilters::findBiggestClusterIndex(ClusterList const& clusters) {
+  size_t biggestSize = 0;
+  int biggest = -1;
+  for (size_t i = 0; i < clusters.size(); ++i) {
+    if (clusters[i].size() > biggestSize) {
+      biggestSize = clusters[i].size();
+      biggest = static_cast<int>(i);
+    }
+  }
+  return biggest;
+}
+
+long long BleScanInfoFilters::getClusterTimeStamp(Cluster const& cluster) {
+  long long newest = 0;
+  for (BleScanInfoWithConfidence const& info : cluster) {
+    newest = std::max(newest, timeStampOf(info));
+  }
+  return newest;
+}
+
+}  // namespace Vantis::Location

@@ -1,0 +1,21 @@
+#include "filter/db_scan_filter.h"
+
+#include "filter/db_scan.h"
+#include "interface/corvex_tag_logger.h"
+
+namespace Vantis::Location {
+
+std::vector<std::vector<BleScanInfoWithConfidence>> DBScanFilter::filter(
+    std::vector<BleScanInfoWithConfidence> const& infos, int minPts, double eps) {
+  if (infos.empty()) {
+    CorvexTagLogger::getInstance().error("infos == null or is empty");
+    return {};
+  }
+  if (minPts <= 0) {
+    CorvexTagLogger::getInstance().error("minPts can't less than 1");
+    return {};
+  }
+  return DbScan<BleScanInfoWithConfidence>(eps, minPts).cluster(infos);
+}
+
+}  // namespace Vantis::Location
