@@ -14,7 +14,7 @@ namespace Vantis::Location {
 class BleScanInfoFilters {
  public:
   // Printed as its integer; any non-zero value behaves as STATIC_STAGE.
-  enum DbscanStage { DYNAMIC_STAGE = 0, STATIC_STAGE = 1 };
+  enum DbscanStage : int { DYNAMIC_STAGE = 0, STATIC_STAGE = 1 };
 
   using Cluster = std::vector<BleScanInfoWithConfidence>;
   using ClusterList = std::vector<Cluster>;
