@@ -1,13 +1,17 @@
 #ifndef CORVEX_FILTER_DB_SCAN_H_
 #define CORVEX_FILTER_DB_SCAN_H_
 
+#include <algorithm>
 #include <climits>
-#include <map>
+#include <limits>
 #include <memory>
+#include <numeric>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "filter/neighbour_grid.h"
 #include "geometry/distance_calculator.h"
 #include "geometry/normal_distance.h"
 #include "interface/corvex_tag_logger.h"
@@ -16,10 +20,11 @@
 namespace Vantis::Location {
 
 // Density-based clustering (DBSCAN, Ester, Kriegel, Sander and Xu, KDD 1996) of records by the
-// position getPoint() gives. T derives from DbScanClass and has operator< and operator==.
-// Departures from the textbook: a record reached once is never touched again, so a record
-// found to be noise never becomes a border record of a later cluster, and a record
-// operator== to a centre is never its neighbour.
+// {x, y} position getPoint() gives. T derives from DbScanClass and has operator< and
+// operator==. Departures from the textbook: a record reached once is never touched again, so a
+// record found to be noise never becomes a border record of a later cluster; a record
+// operator== to a centre is never its neighbour; and records equivalent under operator< count
+// as one record wherever the algorithm asks whether a record was seen.
 template <typename T>
 class DbScan {
  public:
@@ -27,24 +32,56 @@ class DbScan {
   DbScan(double eps, int minPts);
 
   // Clusters in the order of their founding records; noise is dropped. Members are copies.
-  std::vector<std::vector<T>> cluster(std::vector<T> const& infos);
+  std::vector<std::vector<T>> cluster(std::vector<T> const& infos) const;
+  // The single steps of the algorithm, for callers that need them; cluster() works on indices.
   // Copies of the records of `infos`, in order, within eps of `centre` and not == to it.
-  std::vector<T> getNeighbours(T const& centre, std::vector<T> const& infos);
+  std::vector<T> getNeighbours(T const& centre, std::vector<T> const& infos) const;
   // Appends the records of `others` not equivalent to any record `seeds` held at entry.
   static void merge(std::vector<T>& seeds, std::vector<T> const& others);
-  double distance(DbScanClass const* a, DbScanClass const* b);
+  double distance(DbScanClass const* a, DbScanClass const* b) const;
 
  private:
-  std::vector<T> addCluster(std::vector<T> const& infos, std::map<T, int>& labels,
-                            std::vector<T> cluster, T const& founder,
-                            std::vector<T> const& neighbours);
+  class Pass;
 
-  // Both labels are 0, so the label map is simply the set of records already handled.
+  // Both labels are 0, so a label only says that a record was handled; the grid's claims
+  // rely on that.
   int noiseLabel = 0;
   int clusterLabel = 0;
-  double eps;  // >= 0
+  double eps;  // >= 0, or NaN
   int minPts;  // >= 0
   std::shared_ptr<DistanceCalculator> distanceCalculator;
+};
+
+// The working state of one cluster() call. Records are handled by index; each record's
+// equivalence class under operator< is computed once, and a class is labelled (handled) or
+// claimed (in the current seed list) as a whole, which is what lookups in an ordered label
+// map and an ordered seed set amount to. Unclaimed records are found through a NeighbourGrid.
+template <typename T>
+class DbScan<T>::Pass {
+ public:
+  Pass(DbScan const& scan, std::vector<T> const& infos);
+
+  std::vector<std::vector<T>> run();
+
+ private:
+  void groupEquivalents();
+  bool isNeighbour(size_t centre, size_t candidate) const;
+  bool isCore(size_t centre) const;
+  // Unclaimed neighbours of `centre` in input order; claims their classes.
+  std::vector<size_t> claimNeighbours(size_t centre);
+  void claimClass(size_t equivalenceClass);
+  std::vector<T> addCluster(size_t founder);
+
+  static NeighbourGrid makeGrid(std::vector<T> const& infos, double eps);
+
+  DbScan const& scan;
+  std::vector<T> const& infos;
+  NeighbourGrid grid;
+  std::vector<size_t> classOf;              // equivalence class of each record
+  std::vector<size_t> byClass;              // records grouped by class
+  std::vector<size_t> classBegin;           // members of class c: byClass[classBegin[c] .. [c + 1])
+  std::vector<char> classClaimed;           // a labelled class is also claimed
+  std::vector<std::optional<int>> labelOf;  // per class
 };
 
 template <typename T>
@@ -62,49 +99,15 @@ DbScan<T>::DbScan(double eps, int minPts)
 }
 
 template <typename T>
-std::vector<std::vector<T>> DbScan<T>::cluster(std::vector<T> const& infos) {
-  std::vector<std::vector<T>> clusters;
-  std::map<T, int> labels;
-  for (T const& info : infos) {
-    if (labels.find(info) != labels.end()) {
-      continue;
-    }
-    std::vector<T> neighbours = getNeighbours(info, infos);
-    if (neighbours.size() < static_cast<size_t>(minPts)) {
-      labels.insert({info, noiseLabel});
-      continue;
-    }
-    clusters.push_back(addCluster(infos, labels, {}, info, neighbours));
+std::vector<std::vector<T>> DbScan<T>::cluster(std::vector<T> const& infos) const {
+  if (infos.empty()) {
+    return {};
   }
-  return clusters;
+  return Pass(*this, infos).run();
 }
 
 template <typename T>
-std::vector<T> DbScan<T>::addCluster(std::vector<T> const& infos, std::map<T, int>& labels,
-                                     std::vector<T> cluster, T const& founder,
-                                     std::vector<T> const& neighbours) {
-  cluster.push_back(founder);
-  labels.insert({founder, clusterLabel});
-  std::vector<T> seeds = neighbours;
-  for (size_t i = 0; i < seeds.size(); ++i) {
-    T const seed = seeds[i];  // merge may reallocate the seed list
-    auto found = labels.find(seed);
-    if (found == labels.end()) {
-      std::vector<T> seedNeighbours = getNeighbours(seed, infos);
-      if (seedNeighbours.size() >= static_cast<size_t>(minPts)) {
-        merge(seeds, seedNeighbours);
-      }
-    } else if (found->second == clusterLabel) {
-      continue;
-    }
-    labels.insert({seed, clusterLabel});
-    cluster.push_back(seed);
-  }
-  return cluster;
-}
-
-template <typename T>
-std::vector<T> DbScan<T>::getNeighbours(T const& centre, std::vector<T> const& infos) {
+std::vector<T> DbScan<T>::getNeighbours(T const& centre, std::vector<T> const& infos) const {
   std::vector<T> neighbours;
   for (T const& info : infos) {
     if (!(info == centre) && distance(&centre, &info) <= eps) {
@@ -125,8 +128,139 @@ void DbScan<T>::merge(std::vector<T>& seeds, std::vector<T> const& others) {
 }
 
 template <typename T>
-double DbScan<T>::distance(DbScanClass const* a, DbScanClass const* b) {
+double DbScan<T>::distance(DbScanClass const* a, DbScanClass const* b) const {
   return distanceCalculator->compute(a->getPoint(), b->getPoint());
+}
+
+template <typename T>
+DbScan<T>::Pass::Pass(DbScan const& scan, std::vector<T> const& infos)
+    : scan(scan), infos(infos), grid(makeGrid(infos, scan.eps)) {
+  groupEquivalents();
+}
+
+template <typename T>
+NeighbourGrid DbScan<T>::Pass::makeGrid(std::vector<T> const& infos, double eps) {
+  std::vector<double> xs;
+  std::vector<double> ys;
+  for (T const& info : infos) {
+    std::vector<double> const point = info.getPoint();
+    bool const planar = point.size() == 2;
+    xs.push_back(planar ? point[0] : std::numeric_limits<double>::quiet_NaN());
+    ys.push_back(planar ? point[1] : std::numeric_limits<double>::quiet_NaN());
+  }
+  return NeighbourGrid(std::move(xs), std::move(ys), eps);
+}
+
+// Sorting is stable and neighbours are compared both ways, so that an operator< that is no
+// strict weak ordering (NaN fields) still gives well-formed, deterministic classes.
+template <typename T>
+void DbScan<T>::Pass::groupEquivalents() {
+  byClass.resize(infos.size());
+  std::iota(byClass.begin(), byClass.end(), size_t{0});
+  std::stable_sort(byClass.begin(), byClass.end(),
+                   [this](size_t a, size_t b) { return infos[a] < infos[b]; });
+  classOf.resize(infos.size());
+  for (size_t slot = 0; slot < byClass.size(); ++slot) {
+    T const& info = infos[byClass[slot]];
+    if (slot == 0 || infos[byClass[slot - 1]] < info || info < infos[byClass[slot - 1]]) {
+      classBegin.push_back(slot);
+    }
+    classOf[byClass[slot]] = classBegin.size() - 1;
+  }
+  classBegin.push_back(byClass.size());
+  classClaimed.assign(classBegin.size() - 1, 0);
+  labelOf.assign(classBegin.size() - 1, std::nullopt);
+}
+
+template <typename T>
+std::vector<std::vector<T>> DbScan<T>::Pass::run() {
+  std::vector<std::vector<T>> clusters;
+  for (size_t record = 0; record < infos.size(); ++record) {
+    std::optional<int>& label = labelOf[classOf[record]];
+    if (label) {
+      continue;
+    }
+    if (!isCore(record)) {
+      label = scan.noiseLabel;
+      claimClass(classOf[record]);
+      continue;
+    }
+    clusters.push_back(addCluster(record));
+  }
+  return clusters;
+}
+
+template <typename T>
+bool DbScan<T>::Pass::isNeighbour(size_t centre, size_t candidate) const {
+  return grid.withinEps(centre, candidate) && !(infos[candidate] == infos[centre]);
+}
+
+// Counts neighbours only as far as minPts.
+template <typename T>
+bool DbScan<T>::Pass::isCore(size_t centre) const {
+  size_t const needed = static_cast<size_t>(scan.minPts);
+  size_t found = 0;
+  if (needed > 0) {
+    grid.forEachNear(centre, [&](size_t candidate) {
+      if (isNeighbour(centre, candidate)) {
+        ++found;
+      }
+      return found < needed;
+    });
+  }
+  return found >= needed;
+}
+
+// Records of classes claimed before are left out: either they are labelled, and would be
+// skipped, or their class is already in the seed list, and a merge would not take them.
+template <typename T>
+std::vector<size_t> DbScan<T>::Pass::claimNeighbours(size_t centre) {
+  std::vector<size_t> found;
+  grid.forEachUnclaimedNear(centre, [&](size_t candidate) {
+    if (isNeighbour(centre, candidate)) {
+      found.push_back(candidate);
+    }
+    return true;
+  });
+  std::sort(found.begin(), found.end());
+  for (size_t record : found) {
+    claimClass(classOf[record]);
+  }
+  return found;
+}
+
+template <typename T>
+void DbScan<T>::Pass::claimClass(size_t equivalenceClass) {
+  if (classClaimed[equivalenceClass]) {
+    return;
+  }
+  classClaimed[equivalenceClass] = 1;
+  for (size_t slot = classBegin[equivalenceClass]; slot < classBegin[equivalenceClass + 1];
+       ++slot) {
+    grid.claim(byClass[slot]);
+  }
+}
+
+template <typename T>
+std::vector<T> DbScan<T>::Pass::addCluster(size_t founder) {
+  std::vector<T> members = {infos[founder]};
+  labelOf[classOf[founder]] = scan.clusterLabel;
+  claimClass(classOf[founder]);
+  std::vector<size_t> seeds = claimNeighbours(founder);
+  for (size_t next = 0; next < seeds.size(); ++next) {
+    size_t const seed = seeds[next];
+    std::optional<int>& label = labelOf[classOf[seed]];
+    if (label) {
+      continue;
+    }
+    if (isCore(seed)) {
+      std::vector<size_t> const more = claimNeighbours(seed);
+      seeds.insert(seeds.end(), more.begin(), more.end());
+    }
+    label = scan.clusterLabel;
+    members.push_back(infos[seed]);
+  }
+  return members;
 }
 
 }  // namespace Vantis::Location

@@ -4,10 +4,13 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "support/filter_records.h"
+#include "support/literal_db_scan.h"
 #include "support/log_capture.h"
 
 namespace Vantis::Location {
@@ -103,6 +106,89 @@ TEST(DbScan, NeighboursMergeAndDistanceOnTheirOwn) {
   std::vector<BleScanInfoWithConfidence> seeds = {infos[0]};
   DbScan<BleScanInfoWithConfidence>::merge(seeds, {infos[2], infos[1], infos[1]});
   EXPECT_EQ(corvex_test::idsOf(seeds), (std::vector<std::string>{"a", "b", "b"}));
+}
+
+// Random records on a small lattice: many at equal positions, at exactly eps, equal (==) or
+// only equivalent to each other. Records with NaN or infinite fields get a time of their own,
+// so that operator< stays a strict weak ordering.
+struct RandomCase {
+  std::vector<BleScanInfoWithConfidence> infos;
+  double eps;
+  int minPts;
+};
+
+RandomCase randomCase(std::mt19937& random, int maxSize, int latticeSize) {
+  double const nan = std::numeric_limits<double>::quiet_NaN();
+  double const inf = std::numeric_limits<double>::infinity();
+  auto pick = [&random](auto const& options) {
+    return options[std::uniform_int_distribution<size_t>(0, options.size() - 1)(random)];
+  };
+  double const scale = pick(std::vector<double>{0.1, 1, 7, 1e-163, 1e160});
+  double const origin = pick(std::vector<double>{0, 0, 1e6, -3.5e7});
+  RandomCase c;
+  c.eps = pick(std::vector<double>{0, 1, 2, 2.5, 3, 10, -1}) * scale;
+  c.eps = pick(std::vector<double>{c.eps, c.eps, c.eps, 0, inf, nan});
+  c.minPts = pick(std::vector<int>{-2, 0, 1, 1, 2, 3, 5});
+  std::uniform_int_distribution<int> lattice(0, latticeSize);
+  std::uniform_int_distribution<int> kind(0, 9);
+  int const size = std::uniform_int_distribution<int>(0, maxSize)(random);
+  for (int i = 0; i < size; ++i) {
+    std::string const id = std::to_string(i);
+    int const roll = kind(random);
+    if (roll == 0 && i > 0) {  // an equal copy of an earlier record
+      c.infos.push_back(tagged(c.infos[std::uniform_int_distribution<int>(0, i - 1)(random)], id));
+      continue;
+    }
+    double const x = lattice(random) == 0 ? -0.0 : origin + lattice(random) * scale;
+    BleScanInfoWithConfidence info = makeRecord(x, origin + lattice(random) * scale,
+                                                lattice(random) % 3, 0, roll == 3 ? 0.7 : 0.5);
+    if (roll == 1 || roll == 2) {
+      info.getBlueToothRecord().setTimeStamp(1000 + i);
+      if (roll == 1) {
+        info.getLastLocation().setLat(pick(std::vector<double>{nan, inf, -inf}));
+      } else {
+        info.setConfidence(nan);
+      }
+    }
+    c.infos.push_back(tagged(info, id));
+  }
+  return c;
+}
+
+TEST(DbScan, MatchesTheLiteralAlgorithmOnRandomInputs) {
+  LogCapture quiet;
+  std::mt19937 random(2024);
+  for (int round = 0; round < 3000; ++round) {
+    RandomCase const c = round < 40 ? randomCase(random, 400, 60) : randomCase(random, 40, 12);
+    ASSERT_EQ(idsOf(DbScan<BleScanInfoWithConfidence>(c.eps, c.minPts).cluster(c.infos)),
+              idsOf(corvex_test::LiteralDbScan<BleScanInfoWithConfidence>(c.eps, c.minPts)
+                        .cluster(c.infos)))
+        << "round " << round << ", eps " << c.eps << ", minPts " << c.minPts;
+  }
+}
+
+TEST(DbScan, StaysSafeAndDeterministicWhenOrderIsNoStrictWeakOrdering) {
+  // NaN latitudes at shared times make operator< cyclic.
+  std::mt19937 random(5);
+  std::uniform_int_distribution<int> coordinate(0, 6);
+  for (int round = 0; round < 200; ++round) {
+    std::vector<BleScanInfoWithConfidence> infos;
+    for (int i = 0; i < 60; ++i) {
+      BleScanInfoWithConfidence info =
+          at(coordinate(random), std::to_string(i), coordinate(random) % 2);
+      info.getLastLocation().setLat(coordinate(random) == 0 ? std::nan("") : coordinate(random));
+      infos.push_back(info);
+    }
+    DbScan<BleScanInfoWithConfidence> const scan(2, 1);
+    Ids const clusters = idsOf(scan.cluster(infos));
+    ASSERT_EQ(idsOf(scan.cluster(infos)), clusters);
+    std::set<std::string> seen;
+    for (std::vector<std::string> const& members : clusters) {
+      for (std::string const& id : members) {
+        ASSERT_TRUE(seen.insert(id).second) << id;
+      }
+    }
+  }
 }
 
 }  // namespace
