@@ -3,9 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
+#include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
+#include "geometry/distance_utils.h"
 #include "support/filter_records.h"
 #include "support/log_capture.h"
 
@@ -71,6 +75,52 @@ TEST(DistanceOffsetFilter, RefusesEmptyInputAndMinItemsBelowOne) {
   EXPECT_EQ(capture.messages(corvex_test::kError),
             (std::vector<std::string>{"infos is null or empty", "minItems can't less than 1",
                                       "minItems can't less than 1"}));
+}
+
+// The removal loop spelled out with the shared helpers.
+std::vector<BleScanInfoWithConfidence> literalFilterByDistance(
+    std::vector<BleScanInfoWithConfidence> result, int minItems, double maxStd) {
+  while (result.size() > static_cast<size_t>(minItems) &&
+         DistanceUtils::stdPointError(result) > maxStd) {
+    int const farthest =
+        DistanceOffsetFilter::getMaxOffsetIndex(result, DistanceUtils::meanPoint(result));
+    if (farthest < 0) {
+      break;
+    }
+    result.erase(result.begin() + farthest);
+  }
+  return result;
+}
+
+TEST(DistanceOffsetFilter, FilterByDistanceMatchesTheLiteralLoop) {
+  // Symmetric lattices give equal distances; ulp jitter gives distances whose roots round
+  // alike; the special values must not derail the loop.
+  double const special[] = {std::numeric_limits<double>::quiet_NaN(),
+                            std::numeric_limits<double>::infinity(), -0.0, 1e300};
+  std::mt19937 random(99);
+  auto uniform = [&random](int low, int high) {
+    return std::uniform_int_distribution<int>(low, high)(random);
+  };
+  for (int round = 0; round < 1500; ++round) {
+    double const scale = std::vector<double>{1, 0.1, 3e-162, 1e8}[uniform(0, 3)];
+    double const origin = uniform(0, 1) * 1e5;
+    std::vector<BleScanInfoWithConfidence> infos;
+    int const size = uniform(1, 60);
+    for (int i = 0; i < size; ++i) {
+      double x = origin + uniform(-4, 4) * scale;
+      for (int ulps = uniform(0, 3); ulps > 0; --ulps) {
+        x = std::nextafter(x, 0.0);
+      }
+      double const y =
+          uniform(0, 40) == 0 ? special[uniform(0, 3)] : origin + uniform(-4, 4) * scale;
+      infos.push_back(tagged(makeRecord(x, y, i), std::to_string(i)));
+    }
+    int const minItems = uniform(1, size);
+    double const maxStd = std::vector<double>{0.0, -1.0, 0.5 * scale, 2 * scale}[uniform(0, 3)];
+    ASSERT_EQ(idsOf(DistanceOffsetFilter::filterByDistance(infos, minItems, maxStd)),
+              idsOf(literalFilterByDistance(infos, minItems, maxStd)))
+        << "round " << round;
+  }
 }
 
 }  // namespace
