@@ -4,7 +4,9 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <numeric>
 #include <string>
+#include <utility>
 
 #include "filter/confidence_filter.h"
 #include "filter/db_scan_filter.h"
@@ -55,6 +57,21 @@ void appendCount(std::vector<int>& infoCount, std::vector<BleScanInfoWithConfide
   infoCount.push_back(static_cast<int>(infos.size()));
 }
 
+// Stable, ascending scan time; indices are sorted so that no record moves more than once.
+std::vector<BleScanInfoWithConfidence> sortedByTime(std::vector<BleScanInfoWithConfidence> infos) {
+  std::vector<size_t> order(infos.size());
+  std::iota(order.begin(), order.end(), size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&infos](size_t a, size_t b) {
+    return timeStampOf(infos[a]) < timeStampOf(infos[b]);
+  });
+  std::vector<BleScanInfoWithConfidence> sorted;
+  sorted.reserve(infos.size());
+  for (size_t index : order) {
+    sorted.push_back(std::move(infos[index]));
+  }
+  return sorted;
+}
+
 void removeOlderThanSixHours(std::vector<BleScanInfoWithConfidence>& infos) {
   long long newest = timeStampOf(infos.back());
   infos.erase(std::remove_if(infos.begin(), infos.end(),
@@ -97,11 +114,7 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
     appendCount(infoCount, result);
     logInfo("Infos size(Filtered by distance std): " + std::to_string(result.size()));
   }
-  std::stable_sort(result.begin(), result.end(),
-                   [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
-                     return timeStampOf(a) < timeStampOf(b);
-                   });
-  return result;
+  return sortedByTime(std::move(result));
 }
 
 void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos,

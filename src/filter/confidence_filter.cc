@@ -1,6 +1,7 @@
 #include "filter/confidence_filter.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "interface/corvex_tag_logger.h"
 
@@ -16,14 +17,21 @@ std::vector<BleScanInfoWithConfidence> ConfidenceFilter::filter(
     CorvexTagLogger::getInstance().error("minItems can't less than 1");
     return {};
   }
-  std::vector<BleScanInfoWithConfidence> result = infos;
-  std::stable_sort(result.begin(), result.end(),
-                   [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
-                     return a.getConfidence() > b.getConfidence();
-                   });
-  while (result.size() > static_cast<size_t>(minItems) &&
-         result.back().getConfidence() < threshold) {
-    result.pop_back();
+  // Sorting indices moves no records, and only the kept ones are copied.
+  std::vector<size_t> order(infos.size());
+  std::iota(order.begin(), order.end(), size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&infos](size_t a, size_t b) {
+    return infos[a].getConfidence() > infos[b].getConfidence();
+  });
+  size_t kept = order.size();
+  while (kept > static_cast<size_t>(minItems) &&
+         infos[order[kept - 1]].getConfidence() < threshold) {
+    --kept;
+  }
+  std::vector<BleScanInfoWithConfidence> result;
+  result.reserve(kept);
+  for (size_t i = 0; i < kept; ++i) {
+    result.push_back(infos[order[i]]);
   }
   return result;
 }
