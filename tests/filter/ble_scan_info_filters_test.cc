@@ -12,202 +12,101 @@
 namespace Vantis::Location {
 namespace {
 
-using corvex_test::idsOf;
+using corvex_test::Ids;
 using corvex_test::LogCapture;
 using corvex_test::makeRecord;
-using corvex_test::tagged;
+using corvex_test::Records;
 using Filters = BleScanInfoFilters;
-using Ids = std::vector<std::string>;
 
 constexpr long long kHour = 3600000;
-constexpr int kGnss = 1;
+constexpr long long kNow = 10 * kHour;
 
+BleScanInfoWithConfidence plain(double x, long long time, char const* id = "") {
+  return makeRecord(x, 0, time, 0, 0.5, id);
+}
+BleScanInfoWithConfidence gnss(double x, long long time) { return makeRecord(x, 0, time, 1); }
 BleScanInfoWithConfidence active(double x, long long time) {
-  return makeRecord(x, 0, time, 0, 0.98);
+  return makeRecord(x, 0, time, 0, 0.98);  // accuracy 10 m
 }
 
-BleScanInfoWithConfidence gnss(double x, long long time) { return makeRecord(x, 0, time, kGnss); }
-
-BleScanInfoWithConfidence plain(double x, long long time) { return makeRecord(x, 0, time); }
-
-std::vector<long long> timesOf(std::vector<BleScanInfoWithConfidence> const& infos) {
-  std::vector<long long> times;
-  for (BleScanInfoWithConfidence const& info : infos) {
-    times.push_back(info.getBlueToothRecordConst().getTimeStamp());
-  }
-  return times;
-}
-
-TEST(BleScanInfoFilters, ClusterFiguresAndCounts) {
-  EXPECT_EQ(Filters::printVec({}), "[]");
-  EXPECT_EQ(Filters::printVec({3, -1, 12}), "[3, -1, 12]");
-  EXPECT_EQ(Filters::getClusterTimeStamp({}), 0);
-  EXPECT_EQ(Filters::getClusterTimeStamp({plain(0, -5)}), 0);
-  EXPECT_EQ(Filters::getClusterTimeStamp({plain(0, 7), plain(0, 9), plain(0, 8)}), 9);
-  EXPECT_EQ(Filters::findBiggestClusterIndex({}), -1);
-  EXPECT_EQ(Filters::findBiggestClusterIndex(
-                {{plain(0, 1)}, {plain(0, 1), plain(0, 2)}, {plain(0, 1), plain(0, 2)}}),
-            1);
-  BleScanInfoWithConfidence farFix = active(0, 1);
-  farFix.getLastLocation().setAcc(50.0f);
-  BleScanInfoWithConfidence nearFix = active(0, 1);
-  nearFix.getLastLocation().setAcc(49.9f);
+TEST(BleScanInfoFilters, CountsAndGuards) {
+  BleScanInfoWithConfidence inaccurate = active(0, 1);
+  inaccurate.getLastLocation().setAcc(50.0f);
+  Records const three = {gnss(0, 1), plain(0, 1), plain(0, 1)};
+  Records four = three;
+  four.push_back(plain(0, 1));
   LogCapture capture;
-  EXPECT_EQ(Filters::getActiveCount({farFix, nearFix, makeRecord(0, 0, 1, 0, 0.979)}), 1);
-  EXPECT_EQ(Filters::getGnssCount({gnss(0, 1), plain(0, 1), gnss(0, 2)}), 2);
-  EXPECT_EQ(capture.messages(), (Ids{"getActiveCount: 1", "getGnssCount: 2"}));
-}
-
-TEST(BleScanInfoFilters, GnssAndActiveRulesNeedExactlyOneCandidate) {
-  struct Case {
-    char const* name;
-    Filters::ClusterList clusters;
-    int gnssChoice;
-    int activeChoice;
-  };
-  std::vector<Case> const cases = {
-      {"one GNSS among three is no candidate",
-       {{gnss(0, 1), plain(0, 1), plain(0, 1)}, {plain(0, 1)}},
-       -1,
-       -1},
-      {"one GNSS among four is",
-       {{plain(0, 1)}, {gnss(0, 1), plain(0, 1), plain(0, 1), plain(0, 1)}},
-       1,
-       -1},
-      {"two candidates decide nothing",
-       {{gnss(0, 1), gnss(0, 1)}, {gnss(0, 1), gnss(0, 1), active(0, 1), active(0, 1)}},
-       -1,
-       1},
-      {"two active clusters decide nothing",
-       {{active(0, 1), active(0, 1)}, {active(0, 1), active(0, 1)}},
-       -1,
-       -1},
-      {"no clusters", {}, -1, -1},
-  };
-  for (Case const& c : cases) {
-    EXPECT_EQ(Filters::getHaveGnssCluster(c.clusters), c.gnssChoice) << c.name;
-    EXPECT_EQ(Filters::getActiveCluster(c.clusters), c.activeChoice) << c.name;
-  }
-  LogCapture capture;
-  Filters::getHaveGnssCluster(cases[1].clusters);
-  EXPECT_EQ(capture.messages(), (Ids{"getGnssCount: 0", "getGnssCount: 1",
-                                     "only one GNSS, needs careful consideration"}));
-}
-
-TEST(BleScanInfoFilters, LatestPointsStopAtTheFirstJumpOver400Metres) {
-  LogCapture capture;
-  EXPECT_EQ(Filters::getLatestPointsCluster({{plain(0, 1), plain(10, 4)}, {plain(300, 2)}}),
-            (std::vector<int>{0, 1, 0}));
-  EXPECT_EQ(Filters::getLatestPointsCluster(
-                {{plain(0, 1), plain(10, 4)}, {plain(300, 2), plain(900, 3)}}),
-            (std::vector<int>{0, -1, -1, -1}));
-  EXPECT_EQ(capture.messages(), (Ids{"isValid set to false, valid len = 1"}));
-}
-
-TEST(BleScanInfoFilters, TimeSwitchCheckWantsOneUnbrokenNewestStretch) {
-  struct Case {
-    char const* name;
-    Filters::ClusterList clusters;
-    int choice;
-    std::string labels;
-  };
-  std::vector<Case> const cases = {
-      {"newest cluster visited once",
-       {{plain(0, 1), plain(0, 2), plain(0, 3)}, {plain(100, 5), plain(100, 4)}},
-       1,
-       "[1, 1, 0, 0, 0]"},
-      {"hopping back and forth",
-       {{plain(0, 4), plain(0, 2)}, {plain(100, 3), plain(100, 1)}},
-       -1,
-       "[0, 1, 0, 1]"},
-      {"newest two disagree", {{plain(0, 2), plain(0, 3)}, {plain(100, 4)}}, -1, "[1, 0, 0]"},
-      {"lone record", {{plain(0, 2)}}, -1, "[0]"},
-      {"no clusters", {}, -1, "[]"},
-  };
-  for (Case const& c : cases) {
-    LogCapture capture;
-    EXPECT_EQ(Filters::getClusterByTimeSwitchCheck(c.clusters), c.choice) << c.name;
-    EXPECT_EQ(capture.messages(), (Ids{"Latest points belong to: " + c.labels})) << c.name;
-  }
+  EXPECT_EQ(Filters::getActiveCount({inaccurate, active(0, 1), makeRecord(0, 0, 1, 0, 0.979)}), 1);
+  // One GNSS record makes a candidate only in a cluster of four or more.
+  EXPECT_EQ(Filters::getHaveGnssCluster({three, {plain(0, 1)}}), -1);
+  EXPECT_EQ(Filters::getHaveGnssCluster({{plain(0, 1)}, four}), 1);
+  EXPECT_EQ(Filters::getClusterByTimeSwitchCheck({{plain(0, 2)}}), -1);  // a lone record
+  EXPECT_EQ(capture.messages(),
+            (Ids{"getActiveCount: 1", "getGnssCount: 1", "getGnssCount: 0", "getGnssCount: 0",
+                 "getGnssCount: 1", "only one GNSS, needs careful consideration",
+                 "Latest points belong to: [0]"}));
 }
 
 TEST(BleScanInfoFilters, LatestClusterSavesTheOnlyRecentOneOrErasesTheStale) {
-  long long const now = 10 * kHour;
   struct Case {
-    char const* name;
     std::vector<long long> newest;  // per cluster
     int choice;
     std::string message;
-    size_t clustersLeft;
-  };
-  std::vector<Case> const cases = {
-      {"three hours apart", {now - 3 * kHour, now}, 1, "saved cluster: 1", 2},
-      {"just over two hours", {now, now - 7200001}, 0, "saved cluster: 0", 2},
-      {"exactly two hours", {now, now - 7200000}, -1, "delete cluster: []", 2},
-      {"one stale of three", {now, now - kHour, now - 3 * kHour}, -1, "delete cluster: [2]", 2},
-      {"stale erased from the top down",
-       {now - 3 * kHour, now, now - 4 * kHour, now - kHour},
+    std::vector<long long> left;  // newest times of the clusters left
+  } const cases[] = {
+      {{kNow, kNow - 7200001}, 0, "saved cluster: 0", {kNow, kNow - 7200001}},
+      {{kNow, kNow - 7200000}, -1, "delete cluster: []", {kNow, kNow - 7200000}},
+      {{kNow - 3 * kHour, kNow, 0, kNow - kHour},
        -1,
        "delete cluster: [2, 0]",
-       2},
-      {"single cluster", {now}, 0, "saved cluster: 0", 1},
-      {"no clusters", {}, -1, "delete cluster: []", 0},
+       {kNow, kNow - kHour}},
+      {{}, -1, "delete cluster: []", {}},
   };
   for (Case const& c : cases) {
     Filters::ClusterList clusters;
-    for (long long time : c.newest) {
-      clusters.push_back({plain(0, 0), plain(0, time)});
-    }
+    for (long long time : c.newest) clusters.push_back({plain(0, 0), plain(0, time)});
     LogCapture capture;
-    EXPECT_EQ(Filters::getLatestCluster(clusters), c.choice) << c.name;
-    EXPECT_EQ(capture.messages(), (Ids{c.message})) << c.name;
-    EXPECT_EQ(clusters.size(), c.clustersLeft) << c.name;
+    EXPECT_EQ(Filters::getLatestCluster(clusters), c.choice) << c.message;
+    EXPECT_EQ(capture.messages(), (Ids{c.message}));
+    std::vector<long long> left;
+    for (Records const& cluster : clusters) left.push_back(Filters::getClusterTimeStamp(cluster));
+    EXPECT_EQ(left, c.left) << c.message;
   }
 }
 
 TEST(BleScanInfoFilters, StaticChoiceAppliesTheRulesInOrder) {
-  long long const now = 10 * kHour;
+  long long const t = kNow;
   struct Case {
-    char const* name;
     Filters::ClusterList clusters;
     int choice;
     std::string lastMessage;
-  };
-  std::vector<Case> const cases = {
-      {"recency before GNSS",
-       {{plain(0, now - 1), plain(0, now)}, {gnss(1000, 1), gnss(1000, 2)}},
-       0,
-       "getLatestCluster"},
-      {"GNSS before active",
-       {{active(0, now - 1), active(0, now)}, {gnss(1000, now - 3), gnss(1000, now - 2)}},
+  } cases[] = {
+      {{{plain(0, t - 1), plain(0, t)}, {gnss(1e3, 1), gnss(1e3, 2)}}, 0, "getLatestCluster"},
+      {{{active(0, t - 1), active(0, t)}, {gnss(1e3, t - 3), gnss(1e3, t - 2)}},
        1,
        "haveGnssCluster"},
-      {"active before time switch",
-       {{plain(0, now - 1), plain(0, now)}, {active(1000, now - 3), active(1000, now - 2)}},
+      {{{plain(0, t - 1), plain(0, t)}, {active(1e3, t - 3), active(1e3, t - 2)}},
        1,
        "haveActiveCluster"},
-      {"time switch before size",
-       {{plain(0, now - 10), plain(0, now - 9), plain(0, now - 8)},
-        {plain(1000, now - 1), plain(1000, now)}},
+      {{{plain(0, t - 9), plain(0, t - 8), plain(0, t - 7)}, {plain(1e3, t - 1), plain(1e3, t)}},
        1,
-       "Latest points belong to: [1, 1, -1, -1, -1]"},
-      {"biggest at last",
-       {{plain(0, 1), plain(0, now - 1), plain(0, 3)}, {plain(1000, 2), plain(1000, now)}},
+       "Latest points belong to: [1, 1, -1, -1, -1]"},  // time switch before size
+      {{{plain(0, 1), plain(0, t - 1), plain(0, 3)}, {plain(1e3, 2), plain(1e3, t)}},
        0,
-       "Latest points belong to: [1, -1, -1, -1, -1]"},
+       "Latest points belong to: [1, -1, -1, -1, -1]"},  // newest two apart: the biggest
+      {{{plain(0, t), plain(0, t - 2), plain(0, 1)}, {plain(99, t - 1), plain(99, t - 3)}},
+       0,
+       "Latest points belong to: [0, 1, 0, 1, 0]"},  // cluster 0 seen in two stretches
   };
-  for (Case c : cases) {
+  for (Case& c : cases) {
     LogCapture capture;
-    EXPECT_EQ(Filters::selectStaticCluster(c.clusters), c.choice) << c.name;
-    EXPECT_EQ(capture.messages().back(), c.lastMessage) << c.name;
+    EXPECT_EQ(Filters::selectStaticCluster(c.clusters), c.choice) << c.lastMessage;
+    EXPECT_EQ(capture.messages().back(), c.lastMessage);
   }
-}
-
-TEST(BleScanInfoFilters, StaticChoiceRunsLaterRulesOnTheShortenedList) {
-  long long const now = 10 * kHour;
-  Filters::ClusterList clusters = {{gnss(0, now - 1), gnss(0, now)},
-                                   {plain(1000, now - kHour)},
-                                   {gnss(2000, 1), gnss(2000, now - 3 * kHour)}};
+  // Later rules run on the list as the recency rule left it.
+  Filters::ClusterList clusters = {{gnss(0, t - 1), gnss(0, t)},
+                                   {plain(1e3, t - kHour)},
+                                   {gnss(2e3, 1), gnss(2e3, t - 3 * kHour)}};
   LogCapture capture;
   EXPECT_EQ(Filters::selectStaticCluster(clusters), 0);
   EXPECT_EQ(clusters.size(), 2u);
@@ -215,129 +114,105 @@ TEST(BleScanInfoFilters, StaticChoiceRunsLaterRulesOnTheShortenedList) {
             (Ids{"delete cluster: [2]", "getGnssCount: 2", "getGnssCount: 0", "haveGnssCluster"}));
 }
 
-TEST(BleScanInfoFilters, DynamicStageFollowsTheTagOrFallsBackToTheBiggestCluster) {
+TEST(BleScanInfoFilters, ClusteringStagesKeepOneCluster) {
   struct Case {
-    char const* name;
-    std::vector<BleScanInfoWithConfidence> infos;
+    int stage;
+    Records infos;
     Ids kept;
     Ids messages;
-  };
-  std::vector<Case> const cases = {
-      {"newest group visited once",
-       {tagged(plain(1000, 1), "b1"), tagged(plain(1000, 2), "b2"), tagged(plain(1010, 3), "b3"),
-        tagged(plain(0, 5), "a1"), tagged(plain(10, 6), "a2")},
-       {"a1", "a2"},
+  } cases[] = {
+      {0,  // the newest group, though smaller
+       {plain(1e3, 1, "b"), plain(1e3, 2, "b"), plain(1e3, 3, "b"), plain(0, 5, "a"),
+        plain(9, 6, "a")},
+       {"a", "a"},
        {"Cluster size: [3, 2]", "isValid set to false, valid len = 2",
         "Latest points belong to: [1, 1, -1, -1, -1]",
         "Filtered by DBScan stage 0, Infos size: 2, cluster size: 2"}},
-      {"tag hopped: biggest group",
-       {tagged(plain(0, 1), "a1"), tagged(plain(1000, 2), "b1"), tagged(plain(1000, 3), "b2"),
-        tagged(plain(1000, 5), "b3"), tagged(plain(0, 6), "a2")},
-       {"b1", "b2", "b3"},
+      {0,  // the tag hopped: the biggest group
+       {plain(0, 1, "a"), plain(1e3, 2, "b"), plain(1e3, 3, "b"), plain(1e3, 5, "b"),
+        plain(0, 6, "a")},
+       {"b", "b", "b"},
        {"Cluster size: [2, 3]", "isValid set to false, valid len = 1",
         "Latest points belong to: [0, -1, -1, -1, -1]",
         "Filtered by DBScan stage 0, Infos size: 3, cluster size: 2"}},
-      {"every record isolated: the last as the list stands",
-       {tagged(plain(0, 3), "x"), tagged(plain(1000, 1), "y"), tagged(plain(2000, 2), "z")},
+      {0,  // all isolated: the last record as the list stands
+       {plain(0, 3, "x"), plain(1e3, 1, "y"), plain(2e3, 2, "z")},
        {"z"},
        {"Cluster failed, return latest info in stage 0",
         "Filtered by DBScan stage 0, Infos size: 1, cluster size: 0"}},
+      {1,
+       {plain(0, 1, "a"), plain(59, 2, "b"), plain(120, 3, "c")},
+       {"a", "b"},
+       {"Filtered by DBScan stage 1, Infos size: 2, cluster size: 1"}},
+      {7,
+       {},
+       {},
+       {"Cluster failed, return latest info in stage 7",
+        "Filtered by DBScan stage 7, Infos size: 0, cluster size: 0"}},
   };
-  for (Case c : cases) {
+  for (Case& c : cases) {
     LogCapture capture;
-    Filters::dbscanClustering(c.infos, Filters::DYNAMIC_STAGE);
-    EXPECT_EQ(idsOf(c.infos), c.kept) << c.name;
-    EXPECT_EQ(capture.messages(), c.messages) << c.name;
+    Filters::dbscanClustering(c.infos, static_cast<Filters::DbscanStage>(c.stage));
+    EXPECT_EQ(corvex_test::idsOf(c.infos), c.kept);
+    EXPECT_EQ(capture.messages(corvex_test::kInfo), c.messages);
   }
 }
 
-TEST(BleScanInfoFilters, StaticStageUsesA60MetreRadius) {
-  std::vector<BleScanInfoWithConfidence> infos = {
-      tagged(plain(0, 1), "a"), tagged(plain(59, 2), "b"), tagged(plain(120, 3), "c")};
-  LogCapture capture;
-  Filters::dbscanClustering(infos, Filters::STATIC_STAGE);
-  EXPECT_EQ(idsOf(infos), (Ids{"a", "b"}));
-  EXPECT_EQ(capture.messages().back(),
-            "Filtered by DBScan stage 1, Infos size: 2, cluster size: 1");
-  std::vector<BleScanInfoWithConfidence> empty;
-  Filters::dbscanClustering(empty, static_cast<Filters::DbscanStage>(7));
-  EXPECT_TRUE(empty.empty());
-  EXPECT_EQ(capture.messages().back(),
-            "Filtered by DBScan stage 7, Infos size: 0, cluster size: 0");
-}
-
-// `count` indoor records at one place, ascending times, all of low confidence.
-std::vector<BleScanInfoWithConfidence> indoorRecords(int count) {
-  std::vector<BleScanInfoWithConfidence> infos;
-  for (int i = 0; i < count; ++i) {
-    infos.push_back(makeRecord(i * 0.01, 0, 1000 + i, 0, 0.5));
-  }
-  return infos;
-}
-
-TEST(BleScanInfoFilters, PipelineIndoorsCountsSixStagesAndSortsByTime) {
-  long long const now = 10 * kHour;
-  std::vector<BleScanInfoWithConfidence> const infos = {
-      plain(0, now - 7 * kHour),         plain(1, now - 21600001),
-      plain(2, now - 21600000),          makeRecord(3, 0, now - 2, 0, 0.7),
-      makeRecord(4, 0, now - 1, 0, 0.9), makeRecord(5, 0, now, 0, 0.8)};
+TEST(BleScanInfoFilters, PipelineIndoorsCutsAtSixHoursCountsSixStagesAndSortsByTime) {
+  Records const infos = {
+      plain(0, kNow - 7 * kHour, "7h"),        plain(1, kNow - 21600001, "6h+1"),
+      plain(2, kNow - 21600000, "6h"),         makeRecord(3, 0, kNow - 2, 0, 0.7, "c"),
+      makeRecord(4, 0, kNow - 1, 0, 0.9, "b"), makeRecord(5, 0, kNow, 0, 0.8, "a")};
   std::vector<int> infoCount;
   LogCapture capture;
-  std::vector<BleScanInfoWithConfidence> const kept = Filters::filter(infos, infoCount);
+  EXPECT_EQ(corvex_test::idsOf(Filters::filter(infos, infoCount)), (Ids{"6h", "c", "b", "a"}));
   EXPECT_EQ(infoCount, (std::vector<int>{6, 4, 4, 4, 4, 4}));
-  EXPECT_EQ(timesOf(kept), (std::vector<long long>{now - 21600000, now - 2, now - 1, now}));
   EXPECT_EQ(capture.messages(),
-            (Ids{"Infos size(Before filter, Filtered by timeStamp, by kindTransID, by "
-                 "confidence): [6, 4, 4, 4]",
+            (Ids{"Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): "
+                 "[6, 4, 4, 4]",
                  "Filtered by DBScan stage 0, Infos size: 4, cluster size: 1",
                  "Filtered by DBScan stage 1, Infos size: 4, cluster size: 1"}));
 }
 
-TEST(BleScanInfoFilters, PipelineConfidenceStageKeepsHalfButAtLeastFifteen) {
+TEST(BleScanInfoFilters, PipelineKeepsHalfButAtLeastFifteenByConfidenceAndTenByDistance) {
   struct Case {
     int records;
-    int kept;
-  };
-  for (Case const& c : {Case{40, 20}, Case{31, 15}, Case{20, 15}, Case{10, 10}}) {
-    std::vector<int> infoCount;
-    Filters::filter(indoorRecords(c.records), infoCount);
-    ASSERT_EQ(infoCount.size(), 6u);
-    EXPECT_EQ(infoCount[3], c.kept) << c.records;
-  }
-}
-
-TEST(BleScanInfoFilters, PipelineOutdoorsTrimsTheSpreadDownToHalfButAtLeastTen) {
-  struct Case {
-    int records;
-    int kept;
-  };
-  for (Case const& c : {Case{30, 15}, Case{12, 10}}) {
-    // GNSS records 7 m apart in a row: one cluster, but far too spread out.
-    std::vector<BleScanInfoWithConfidence> infos;
+    bool outdoor;
+    std::vector<int> lastCounts;
+  } const cases[] = {{40, false, {20, 20, 20}},
+                     {20, false, {15, 15, 15}},
+                     {10, false, {10, 10, 10}},
+                     {30, true, {30, 30, 15}},
+                     {12, true, {12, 12, 10}}};
+  for (Case const& c : cases) {
+    // A row 7 m apart: one cluster, but far too spread out. Indoors the confidence is low.
+    Records infos;
     for (int i = 0; i < c.records; ++i) {
-      infos.push_back(makeRecord(7.0 * i, 0, 1000 + i, kGnss, 0.7));
+      infos.push_back(makeRecord(7.0 * i, 0, 1000 + i, c.outdoor ? 1 : 0, c.outdoor ? 0.7 : 0.5));
     }
     std::vector<int> infoCount;
     LogCapture capture;
-    EXPECT_EQ(Filters::filter(infos, infoCount).size(), static_cast<size_t>(c.kept));
-    int const n = c.records;
-    EXPECT_EQ(infoCount, (std::vector<int>{n, n, n, n, n, n, n, c.kept}));
-    Ids const messages = capture.messages(corvex_test::kInfo);
-    EXPECT_EQ(Ids(messages.end() - 3, messages.end()),
-              (Ids{"GnssRatio: 1.000000", "Infos size(Filtered by GNSS std): " + std::to_string(n),
-                   "Infos size(Filtered by distance std): " + std::to_string(c.kept)}));
+    Filters::filter(infos, infoCount);
+    ASSERT_EQ(infoCount.size(), c.outdoor ? 8u : 6u);
+    EXPECT_EQ(std::vector<int>(infoCount.end() - 3, infoCount.end()), c.lastCounts) << c.records;
+    if (c.outdoor) {
+      Ids const messages = capture.messages(corvex_test::kInfo);
+      EXPECT_EQ(Ids(messages.end() - 3, messages.end()),
+                (Ids{"GnssRatio: 1.000000",
+                     "Infos size(Filtered by GNSS std): " + std::to_string(c.records),
+                     "Infos size(Filtered by distance std): " + std::to_string(c.lastCounts[2])}));
+    }
   }
 }
 
-TEST(BleScanInfoFilters, PipelineSurvivesExtremeTimesAndRefusesEmptyInput) {
+TEST(BleScanInfoFilters, PipelineRefusesEmptyInputAndSurvivesExtremeTimes) {
   std::vector<int> infoCount;
   LogCapture capture;
   EXPECT_TRUE(Filters::filter({}, infoCount).empty());
   EXPECT_TRUE(infoCount.empty());
   EXPECT_EQ(capture.messages(), (Ids{"infos is null or empty"}));
-  // The age difference wraps like the hardware: LLONG_MAX - LLONG_MIN is -1.
   Filters::filter({plain(0, LLONG_MIN), plain(1, LLONG_MAX)}, infoCount);
-  EXPECT_EQ(infoCount[1], 2);
+  EXPECT_EQ(infoCount[1], 2);  // the age wraps like the hardware: LLONG_MAX - LLONG_MIN is -1
 }
 
 }  // namespace

@@ -10,81 +10,55 @@
 namespace Vantis::Location {
 namespace {
 
-using corvex_test::LogCapture;
-using corvex_test::LogLine;
 using corvex_test::makeRecord;
+using corvex_test::Records;
 
-std::vector<double> scoresOf(std::vector<BleScanInfoWithConfidence> const& infos) {
-  ConfidenceCalculator calculator(infos);
+std::vector<double> scoresOf(Records const& infos) {
+  ConfidenceCalculator const calculator(infos);
   std::vector<double> scores;
-  for (size_t i = 0; i < infos.size(); ++i) {
-    scores.push_back(calculator.getNewConfidence(static_cast<int>(i)));
+  for (int i = -1; i <= static_cast<int>(infos.size()); ++i) {
+    scores.push_back(calculator.getNewConfidence(i));
   }
-  return scores;
+  return scores;  // with the out-of-range indices -1 and n at both ends
+}
+
+BleScanInfoWithConfidence scan(int locationType, double confidence, int rssi, double x = 0) {
+  return makeRecord(x, 0, 0, locationType, confidence, "", rssi);
 }
 
 TEST(ConfidenceCalculator, RssiScoreIsLinearWithAStepBelowMinus120) {
-  struct Case {
-    int rssi;
-    double score;
-  };
-  for (Case const& c : {Case{0, 100}, Case{-40, 100}, Case{-41, 99}, Case{-60, 80}, Case{-61, 79},
-                        Case{-99, 41}, Case{-120, 20}, Case{-121, 0}, Case{-200, 0}}) {
-    EXPECT_EQ(ConfidenceCalculator::getRssiScore(makeRecord(0, 0, 0, 0, 0.5, c.rssi)), c.score)
-        << c.rssi;
+  for (auto [rssi, score] : std::vector<std::pair<int, double>>{
+           {0, 100}, {-40, 100}, {-41, 99}, {-61, 79}, {-120, 20}, {-121, 0}, {-200, 0}}) {
+    EXPECT_EQ(ConfidenceCalculator::getRssiScore(scan(0, 0.5, rssi)), score) << rssi;
   }
 }
 
-TEST(ConfidenceCalculator, MeanAndPopulationVariance) {
-  EXPECT_EQ(ConfidenceCalculator::calculateAvg({}), 0.0);
-  EXPECT_EQ(ConfidenceCalculator::calculateVar({}), 0.0);
-  EXPECT_EQ(ConfidenceCalculator::calculateAvg({1, 2, 3, 4}), 2.5);
+TEST(ConfidenceCalculator, ScoresIndoorAsOneAndOutdoorBySignalSpreadAndBoosts) {
+  corvex_test::LogCapture quiet;
+  EXPECT_EQ(scoresOf({scan(0, 0.1, -30), scan(2, 0.9, -121)}), (std::vector<double>{0, 1, 1, 0}));
+  // Equal confidences: no spread term; 0.98 doubles, cohesive proactive GNSS fixes again x4.
+  EXPECT_EQ(
+      scoresOf({scan(1, 0.98, -40), scan(1, 0.98, -40, 1), scan(0, 0.98, -40), scan(0, 0.98, -90)}),
+      (std::vector<double>{0, 1, 1, 0.25, 0.125, 0}));
+  std::vector<double> const mixed = scoresOf({scan(1, 0.98, -40), scan(0, 0.979, -40)});
+  EXPECT_EQ(mixed[1], 1.0);
+  EXPECT_NEAR(mixed[2], 0.5 * (0.2 + 4 * 2.5e-7 * 0.979 * 0.8) / (0.2 + 4 * 2.5e-7 * 0.98 * 0.8),
+              1e-12);
+  // Scores that all stay below 0.0001 are not normalised.
+  EXPECT_EQ(scoresOf({scan(1, 0.5, -121), scan(1, 0.5, -127)}), (std::vector<double>(4, 0.0)));
   EXPECT_EQ(ConfidenceCalculator::calculateVar({1, 2, 3, 4}), 1.25);
-  EXPECT_EQ(ConfidenceCalculator::getConfidenceScore(makeRecord(0, 0, 0, 0, 0.3)), 0.3);
+  EXPECT_EQ(ConfidenceCalculator::calculateVar({}), 0.0);
 }
 
-TEST(ConfidenceCalculator, IndoorRecordsAllScoreOne) {
-  EXPECT_EQ(scoresOf({makeRecord(0, 0, 0, 0, 0.1, -30), makeRecord(0, 0, 0, 2, 0.9, -121)}),
-            (std::vector<double>{1.0, 1.0}));
-}
-
-TEST(ConfidenceCalculator, EqualConfidencesLeaveTheSignalTermAndBoostsStack) {
-  // All confidences 0.98: no spread term, every record doubled, cohesive GNSS records again x4.
-  std::vector<BleScanInfoWithConfidence> const infos = {
-      makeRecord(0, 0, 0, 1, 0.98, -40), makeRecord(1, 0, 0, 1, 0.98, -40),
-      makeRecord(0, 0, 0, 0, 0.98, -40), makeRecord(0, 0, 0, 0, 0.98, -90)};
-  EXPECT_EQ(scoresOf(infos), (std::vector<double>{1.0, 1.0, 0.25, 0.125}));
-}
-
-TEST(ConfidenceCalculator, OnlyConfidenceFromPoint98IsDoubled) {
-  LogCapture capture;
-  std::vector<double> const scores =
-      scoresOf({makeRecord(0, 0, 0, 1, 0.98, -40), makeRecord(0, 0, 0, 0, 0.979, -40)});
-  EXPECT_EQ(scores[0], 1.0);
-  EXPECT_NEAR(scores[1], 0.5, 1e-5);
-  EXPECT_EQ(capture.lines(),
-            (std::vector<LogLine>{{corvex_test::kInfo, "checkCohesion infos.size() = 1, bypass"}}));
-}
-
-TEST(ConfidenceCalculator, TinyScoresAreNotNormalised) {
-  LogCapture capture;  // no proactive GNSS records: the cohesion check complains
-  std::vector<BleScanInfoWithConfidence> const infos = {makeRecord(0, 0, 0, 1, 0.5, -121),
-                                                        makeRecord(0, 0, 0, 1, 0.5, -127)};
-  EXPECT_EQ(scoresOf(infos), (std::vector<double>{0.0, 0.0}));
-}
-
-TEST(ConfidenceCalculator, RefusesEmptyAndOversizedInputAndGuardsTheIndex) {
-  LogCapture capture;
+TEST(ConfidenceCalculator, RefusesEmptyAndOversizedInput) {
+  corvex_test::LogCapture capture;
   EXPECT_EQ(ConfidenceCalculator({}).getNewConfidence(0), 0.0);
-  std::vector<BleScanInfoWithConfidence> infos(5000, makeRecord(0, 0));
-  ConfidenceCalculator const accepted(infos);
-  EXPECT_EQ(accepted.getNewConfidence(4999), 1.0);
-  EXPECT_EQ(accepted.getNewConfidence(5000), 0.0);
-  EXPECT_EQ(accepted.getNewConfidence(-1), 0.0);
+  Records infos(5000, makeRecord(0, 0));
+  EXPECT_EQ(ConfidenceCalculator(infos).getNewConfidence(4999), 1.0);
   infos.push_back(makeRecord(0, 0));
   EXPECT_EQ(ConfidenceCalculator(infos).getNewConfidence(0), 0.0);
-  EXPECT_EQ(capture.lines(), (std::vector<LogLine>{{corvex_test::kError, "infos is null or empty!"},
-                                                   {corvex_test::kError, "infos size > 5000"}}));
+  EXPECT_EQ(capture.messages(corvex_test::kError),
+            (corvex_test::Ids{"infos is null or empty!", "infos size > 5000"}));
 }
 
 }  // namespace

@@ -16,154 +16,105 @@
 namespace Vantis::Location {
 namespace {
 
+using corvex_test::Ids;
 using corvex_test::idsOf;
-using corvex_test::LogCapture;
-using corvex_test::makeRecord;
-using corvex_test::tagged;
-using Ids = std::vector<std::vector<std::string>>;
+using corvex_test::Records;
+using Scan = DbScan<BleScanInfoWithConfidence>;
 
-// A record at x (metres) on the east axis, told apart by `id`; `time` separates records that
-// would otherwise be equal.
+double const kNaN = std::numeric_limits<double>::quiet_NaN();
+double const kInf = std::numeric_limits<double>::infinity();
+
+// A record at x metres on the east axis; `time` separates records that would otherwise be equal.
 BleScanInfoWithConfidence at(double x, std::string const& id, long long time) {
-  return tagged(makeRecord(x, 0, time), id);
+  return corvex_test::makeRecord(x, 0, time, 0, 0.5, id);
+}
+
+// Clusters of the records at xs (metres) named a, b, ..., at times `times` (default 1, 2, ...),
+// written "ab|c".
+std::string clustered(double eps, int minPts, std::vector<double> const& xs,
+                      std::vector<long long> const& times = {}) {
+  Records infos;
+  for (size_t i = 0; i < xs.size(); ++i) {
+    infos.push_back(at(xs[i], std::string(1, 'a' + i), times.empty() ? i + 1 : times[i]));
+  }
+  std::string text;
+  for (Ids const& members : idsOf(Scan(eps, minPts).cluster(infos))) {
+    text += (text.empty() ? "" : "|");
+    for (std::string const& id : members) text += id;
+  }
+  return text;
 }
 
 TEST(DbScan, TrickyCases) {
-  double const nan = std::numeric_limits<double>::quiet_NaN();
+  corvex_test::LogCapture capture;
+  EXPECT_EQ(clustered(10, 1, {0, 5}), "ab");
+  EXPECT_EQ(clustered(10, 2, {0, 8, 16}), "bc");            // noise never becomes a border record
+  EXPECT_EQ(clustered(10, 1, {0, 0}, {1, 1}), "");          // equal records are no neighbours...
+  EXPECT_EQ(clustered(10, 1, {0, 5, 5}, {1, 2, 2}), "ab");  // ...and join a cluster once
+  EXPECT_EQ(clustered(10.5, 1, {20, 0, 10, 30}), "acdb");   // founder, then seeds as merged
+  EXPECT_EQ(clustered(1, 1, {50, 0, 50.5, 1}), "ac|bd");
+  EXPECT_EQ(clustered(10, 0, {0, 50, 55}), "a|bc");
+  EXPECT_EQ(clustered(-1, 1, {0, 0, 1e-9}), "ab");
+  EXPECT_EQ(clustered(10, -3, {0, 1}), "");
+  EXPECT_EQ(clustered(kNaN, 1, {0, 0}), "");
+  EXPECT_EQ(clustered(10, 1, {}), "");
+  EXPECT_EQ(capture.messages(),
+            (Ids{"DBSCAN eps error. eps = -1.000000", "DBSCAN minPts error. minPts = -3"}));
   BleScanInfoWithConfidence notSelf = at(0, "n", 1);
-  notSelf.setConfidence(nan);  // not == to itself, so it is its own neighbour
-  struct Case {
-    char const* name;
-    double eps;
-    int minPts;
-    std::vector<BleScanInfoWithConfidence> infos;
-    Ids clusters;
-  };
-  std::vector<Case> const cases = {
-      {"two close records", 10, 1, {at(0, "a", 1), at(5, "b", 2)}, {{"a", "b"}}},
-      {"noise never becomes a border record",
-       10,
-       2,
-       {at(0, "a", 1), at(8, "b", 2), at(16, "c", 3)},
-       {{"b", "c"}}},
-      {"equal records are not neighbours", 10, 1, {at(0, "a", 1), at(0, "b", 1)}, {}},
-      {"equal records join a cluster once",
-       10,
-       1,
-       {at(0, "a", 1), at(5, "b", 2), at(5, "c", 2)},
-       {{"a", "b"}}},
-      {"founder first, then seeds as they were merged",
-       10.5,
-       1,
-       {at(20, "a", 1), at(0, "b", 2), at(10, "c", 3), at(30, "d", 4)},
-       {{"a", "c", "d", "b"}}},
-      {"minPts zero makes every record core",
-       10,
-       0,
-       {at(0, "a", 1), at(50, "b", 2), at(55, "c", 3)},
-       {{"a"}, {"b", "c"}}},
-      {"clusters in founding order",
-       1,
-       1,
-       {at(50, "a", 1), at(0, "b", 2), at(50.5, "c", 3), at(1, "d", 4), at(9, "e", 5)},
-       {{"a", "c"}, {"b", "d"}}},
-      {"a record unequal to itself clusters alone", 10, 1, {notSelf}, {{"n"}}},
-      {"negative eps becomes zero",
-       -1,
-       1,
-       {at(0, "a", 1), at(0, "b", 2), at(1e-9, "c", 3)},
-       {{"a", "b"}}},
-      {"negative minPts makes everything noise", 10, -3, {at(0, "a", 1), at(1, "b", 2)}, {}},
-      {"NaN eps finds no neighbours", nan, 1, {at(0, "a", 1), at(0, "b", 2)}, {}},
-      {"nothing in, nothing out", 10, 1, {}, {}},
-  };
-  for (Case const& c : cases) {
-    EXPECT_EQ(idsOf(DbScan<BleScanInfoWithConfidence>(c.eps, c.minPts).cluster(c.infos)),
-              c.clusters)
-        << c.name;
-  }
+  notSelf.setConfidence(kNaN);  // not == to itself, so its own neighbour
+  EXPECT_EQ(idsOf(Scan(10, 1).cluster({notSelf})), (std::vector<Ids>{{"n"}}));
 }
 
-TEST(DbScan, CorrectsParametersWithInfoMessages) {
-  LogCapture capture;
-  DbScan<BleScanInfoWithConfidence>(-1, 1).cluster({});
-  DbScan<BleScanInfoWithConfidence>(0, -3);
-  DbScan<BleScanInfoWithConfidence>(0, 0);
-  EXPECT_EQ(capture.messages(corvex_test::kInfo),
-            (std::vector<std::string>{"DBSCAN eps error. eps = -1.000000",
-                                      "DBSCAN minPts error. minPts = -3"}));
-  EXPECT_EQ(capture.lines().size(), 2u);
-}
-
-TEST(DbScan, NeighboursMergeAndDistanceOnTheirOwn) {
-  DbScan<BleScanInfoWithConfidence> scan(5, 1);
-  std::vector<BleScanInfoWithConfidence> const infos = {at(0, "a", 1), at(5, "b", 2), at(0, "c", 1),
-                                                        at(6, "d", 3)};
-  EXPECT_EQ(corvex_test::idsOf(scan.getNeighbours(infos[0], infos)),
-            (std::vector<std::string>{"b"}));
-  EXPECT_EQ(scan.distance(&infos[0], &infos[3]), 6.0);
-  // Equivalence is judged against the seeds as they were at entry.
-  std::vector<BleScanInfoWithConfidence> seeds = {infos[0]};
-  DbScan<BleScanInfoWithConfidence>::merge(seeds, {infos[2], infos[1], infos[1]});
-  EXPECT_EQ(corvex_test::idsOf(seeds), (std::vector<std::string>{"a", "b", "b"}));
-}
-
-// Random records on a small lattice: many at equal positions, at exactly eps, equal (==) or
-// only equivalent to each other. Records with NaN or infinite fields get a time of their own,
-// so that operator< stays a strict weak ordering.
+// Records on a small lattice: many at equal positions, at exactly eps or an ulp off it, equal
+// or equivalent to each other. NaN or infinite fields come with a time of their own, so that
+// operator< stays a strict weak ordering.
 struct RandomCase {
-  std::vector<BleScanInfoWithConfidence> infos;
+  Records infos;
   double eps;
   int minPts;
 };
 
-RandomCase randomCase(std::mt19937& random, int maxSize, int latticeSize) {
-  double const nan = std::numeric_limits<double>::quiet_NaN();
-  double const inf = std::numeric_limits<double>::infinity();
-  auto pick = [&random](auto const& options) {
-    return options[std::uniform_int_distribution<size_t>(0, options.size() - 1)(random)];
+RandomCase randomCase(std::mt19937& random, int maxSize, int lattice) {
+  auto uniform = [&random](int low, int high) {
+    return std::uniform_int_distribution<int>(low, high)(random);
   };
-  double const scale = pick(std::vector<double>{0.1, 1, 7, 1e-163, 1e160});
-  double const origin = pick(std::vector<double>{0, 0, 1e6, -3.5e7});
-  RandomCase c;
-  c.eps = pick(std::vector<double>{0, 1, 2, 2.5, 3, 10, -1}) * scale;
-  c.eps = pick(std::vector<double>{c.eps, c.eps, c.eps, 0, inf, nan});
-  c.minPts = pick(std::vector<int>{-2, 0, 1, 1, 2, 3, 5});
-  std::uniform_int_distribution<int> lattice(0, latticeSize);
-  std::uniform_int_distribution<int> kind(0, 9);
-  int const size = std::uniform_int_distribution<int>(0, maxSize)(random);
-  for (int i = 0; i < size; ++i) {
+  double const scale = std::vector<double>{0.1, 1, 7, 1e-163, 1e160}[uniform(0, 4)];
+  double const origin = std::vector<double>{0, 0, 1e6, -3.5e7}[uniform(0, 3)];
+  double const eps = std::vector<double>{0, 1, 2, 2.5, 3, 10, -1}[uniform(0, 6)] * scale;
+  RandomCase c{{},
+               std::vector<double>{eps, eps, eps, 0, kInf, kNaN}[uniform(0, 5)],
+               std::vector<int>{-2, 0, 1, 1, 2, 3, 5}[uniform(0, 6)]};
+  for (int i = 0, size = uniform(0, maxSize); i < size; ++i) {
     std::string const id = std::to_string(i);
-    int const roll = kind(random);
-    if (roll == 0 && i > 0) {  // an equal copy of an earlier record
-      c.infos.push_back(tagged(c.infos[std::uniform_int_distribution<int>(0, i - 1)(random)], id));
+    int const kind = uniform(0, 9);
+    if (kind == 0 && i > 0) {  // an equal copy of an earlier record
+      c.infos.push_back(c.infos[uniform(0, i - 1)]);
+      c.infos.back().getLastLocation().setFloorInfo(id);
       continue;
     }
-    double const x = lattice(random) == 0 ? -0.0 : origin + lattice(random) * scale;
-    BleScanInfoWithConfidence info = makeRecord(x, origin + lattice(random) * scale,
-                                                lattice(random) % 3, 0, roll == 3 ? 0.7 : 0.5);
-    if (roll == 1 || roll == 2) {
-      info.getBlueToothRecord().setTimeStamp(1000 + i);
-      if (roll == 1) {
-        info.getLastLocation().setLat(pick(std::vector<double>{nan, inf, -inf}));
-      } else {
-        info.setConfidence(nan);
-      }
+    double x = uniform(0, lattice) == 0 ? -0.0 : origin + uniform(0, lattice) * scale;
+    if (kind >= 7) x = std::nextafter(x, kind == 7 ? kInf : -kInf);  // a rounding off eps
+    c.infos.push_back(corvex_test::makeRecord(x, origin + uniform(0, lattice) * scale,
+                                              uniform(0, 2), 0, kind == 3 ? 0.7 : 0.5, id));
+    if (kind == 1 || kind == 2) {
+      c.infos.back().getBlueToothRecord().setTimeStamp(1000 + i);
+      if (kind == 1)
+        c.infos.back().getLastLocation().setLat(std::vector<double>{kNaN, kInf}[i % 2]);
+      if (kind == 2) c.infos.back().setConfidence(kNaN);
     }
-    c.infos.push_back(tagged(info, id));
   }
   return c;
 }
 
 TEST(DbScan, MatchesTheLiteralAlgorithmOnRandomInputs) {
-  LogCapture quiet;
+  corvex_test::LogCapture quiet;
   std::mt19937 random(2024);
   for (int round = 0; round < 3000; ++round) {
     RandomCase const c = round < 40 ? randomCase(random, 400, 60) : randomCase(random, 40, 12);
-    ASSERT_EQ(idsOf(DbScan<BleScanInfoWithConfidence>(c.eps, c.minPts).cluster(c.infos)),
+    ASSERT_EQ(idsOf(Scan(c.eps, c.minPts).cluster(c.infos)),
               idsOf(corvex_test::LiteralDbScan<BleScanInfoWithConfidence>(c.eps, c.minPts)
                         .cluster(c.infos)))
-        << "round " << round << ", eps " << c.eps << ", minPts " << c.minPts;
+        << "round " << round;
   }
 }
 
@@ -172,23 +123,28 @@ TEST(DbScan, StaysSafeAndDeterministicWhenOrderIsNoStrictWeakOrdering) {
   std::mt19937 random(5);
   std::uniform_int_distribution<int> coordinate(0, 6);
   for (int round = 0; round < 200; ++round) {
-    std::vector<BleScanInfoWithConfidence> infos;
+    Records infos;
     for (int i = 0; i < 60; ++i) {
-      BleScanInfoWithConfidence info =
-          at(coordinate(random), std::to_string(i), coordinate(random) % 2);
-      info.getLastLocation().setLat(coordinate(random) == 0 ? std::nan("") : coordinate(random));
-      infos.push_back(info);
+      infos.push_back(at(coordinate(random), std::to_string(i), coordinate(random) % 2));
+      infos.back().getLastLocation().setLat(coordinate(random) == 0 ? kNaN : coordinate(random));
     }
-    DbScan<BleScanInfoWithConfidence> const scan(2, 1);
-    Ids const clusters = idsOf(scan.cluster(infos));
-    ASSERT_EQ(idsOf(scan.cluster(infos)), clusters);
+    std::vector<Ids> const clusters = idsOf(Scan(2, 1).cluster(infos));
+    ASSERT_EQ(idsOf(Scan(2, 1).cluster(infos)), clusters);
     std::set<std::string> seen;
-    for (std::vector<std::string> const& members : clusters) {
-      for (std::string const& id : members) {
-        ASSERT_TRUE(seen.insert(id).second) << id;
-      }
+    for (Ids const& members : clusters) {
+      for (std::string const& id : members) ASSERT_TRUE(seen.insert(id).second) << id;
     }
   }
+}
+
+TEST(DbScan, SingleStepsWorkOnTheirOwn) {
+  Scan const scan(5, 1);
+  Records const infos = {at(0, "a", 1), at(5, "b", 2), at(0, "c", 1), at(6, "d", 3)};
+  EXPECT_EQ(idsOf(scan.getNeighbours(infos[0], infos)), (Ids{"b"}));
+  EXPECT_EQ(scan.distance(&infos[0], &infos[3]), 6.0);
+  Records seeds = {infos[0]};  // judged against the seeds as they were at entry
+  Scan::merge(seeds, {infos[2], infos[1], infos[1]});
+  EXPECT_EQ(idsOf(seeds), (Ids{"a", "b", "b"}));
 }
 
 }  // namespace

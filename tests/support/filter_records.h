@@ -1,5 +1,4 @@
-// Scan records for the filter tests: position in local metres, scan time and the fields the
-// filters look at.
+// Scan records for the filter tests, placed in local metres and told apart by an id.
 #ifndef CORVEX_TESTS_SUPPORT_FILTER_RECORDS_H_
 #define CORVEX_TESTS_SUPPORT_FILTER_RECORDS_H_
 
@@ -10,42 +9,31 @@
 
 namespace corvex_test {
 
-using Vantis::Location::BleScanInfoWithConfidence;
-using Vantis::Location::BlueToothRecord;
-using Vantis::Location::LastLocation;
+using Record = Vantis::Location::BleScanInfoWithConfidence;
+using Records = std::vector<Record>;
+using Ids = std::vector<std::string>;
 
-// x, y (metres), time (ms); locationType 1 makes a GNSS record.
-inline BleScanInfoWithConfidence makeRecord(double x, double y, long long time = 0,
-                                            int locationType = 0, double confidence = 0.5,
-                                            int rssi = -60) {
-  BleScanInfoWithConfidence info(BlueToothRecord(time, rssi),
-                                 LastLocation(x, y, 10.0f, locationType, 0), 0, 0, confidence);
-  info.getLastLocation().setEnu(true);
-  return info;
+// x, y (metres), time (ms); locationType 1 makes a GNSS record. The id goes to floorInfo,
+// which takes part in neither comparison.
+inline Record makeRecord(double x, double y, long long time = 0, int locationType = 0,
+                         double confidence = 0.5, std::string const& id = "", int rssi = -60) {
+  Vantis::Location::LastLocation location(x, y, 10.0f, locationType, 0);
+  location.setEnu(true);
+  location.setFloorInfo(id);
+  return Record(Vantis::Location::BlueToothRecord(time, rssi), location, 0, 0, confidence);
 }
 
-// Records are told apart by floorInfo, which takes part in neither comparison.
-inline BleScanInfoWithConfidence tagged(BleScanInfoWithConfidence info, std::string const& id) {
-  info.getLastLocation().setFloorInfo(id);
-  return info;
-}
-
-inline std::string idOf(BleScanInfoWithConfidence const& info) {
-  return info.getLastLocationConst().getFloorInfo();
-}
-
-inline std::vector<std::string> idsOf(std::vector<BleScanInfoWithConfidence> const& infos) {
-  std::vector<std::string> ids;
-  for (BleScanInfoWithConfidence const& info : infos) {
-    ids.push_back(idOf(info));
+inline Ids idsOf(Records const& infos) {
+  Ids ids;
+  for (Record const& info : infos) {
+    ids.push_back(info.getLastLocationConst().getFloorInfo());
   }
   return ids;
 }
 
-inline std::vector<std::vector<std::string>> idsOf(
-    std::vector<std::vector<BleScanInfoWithConfidence>> const& clusters) {
-  std::vector<std::vector<std::string>> ids;
-  for (std::vector<BleScanInfoWithConfidence> const& cluster : clusters) {
+inline std::vector<Ids> idsOf(std::vector<Records> const& clusters) {
+  std::vector<Ids> ids;
+  for (Records const& cluster : clusters) {
     ids.push_back(idsOf(cluster));
   }
   return ids;

@@ -1,6 +1,5 @@
-// The clustering exactly as the algorithm reads, with copies everywhere, an ordered label map
-// and a merge against an ordered set of the seeds: slow, and the reference that the fast
-// DbScan is checked against.
+// The clustering exactly as the algorithm reads (copies everywhere, an ordered label map, a
+// merge against an ordered set of the seeds): the slow reference for the fast DbScan.
 #ifndef CORVEX_TESTS_SUPPORT_LITERAL_DB_SCAN_H_
 #define CORVEX_TESTS_SUPPORT_LITERAL_DB_SCAN_H_
 
@@ -23,23 +22,20 @@ class LiteralDbScan {
     std::vector<std::vector<T>> clusters;
     std::map<T, int> labels;
     for (T const& founder : infos) {
-      if (labels.count(founder) != 0) {
-        continue;
-      }
+      if (labels.count(founder) != 0) continue;
       std::vector<T> seeds = neighbours(founder, infos);
       labels.insert({founder, 0});
-      if (seeds.size() < static_cast<size_t>(minPts_)) {
-        continue;  // noise
-      }
+      if (seeds.size() < static_cast<size_t>(minPts_)) continue;  // noise
       std::vector<T> members = {founder};
       for (size_t i = 0; i < seeds.size(); ++i) {
         T const seed = seeds[i];
-        if (labels.count(seed) != 0) {
-          continue;
-        }
+        if (labels.count(seed) != 0) continue;
         std::vector<T> const more = neighbours(seed, infos);
         if (more.size() >= static_cast<size_t>(minPts_)) {
-          merge(seeds, more);
+          std::set<T> const atEntry(seeds.begin(), seeds.end());
+          for (T const& info : more) {
+            if (atEntry.count(info) == 0) seeds.push_back(info);
+          }
         }
         labels.insert({seed, 0});
         members.push_back(seed);
@@ -59,15 +55,6 @@ class LiteralDbScan {
       }
     }
     return found;
-  }
-
-  static void merge(std::vector<T>& seeds, std::vector<T> const& more) {
-    std::set<T> const atEntry(seeds.begin(), seeds.end());
-    for (T const& info : more) {
-      if (atEntry.count(info) == 0) {
-        seeds.push_back(info);
-      }
-    }
   }
 
   double eps_;
