@@ -123,7 +123,7 @@ void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>
   ClusterList clusters = DBScanFilter::filter(infos, kClusterMinPts,
                                               stage == DYNAMIC_STAGE ? kDynamicEps : kStaticEps);
   if (clusters.size() == 1) {
-    infos = clusters.front();
+    infos = std::move(clusters.front());
   } else if (clusters.empty()) {
     // Keeps the last record as the list stands, which need not be the newest one.
     if (!infos.empty()) {
@@ -135,7 +135,7 @@ void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>
     int index =
         stage == DYNAMIC_STAGE ? selectDynamicCluster(clusters) : selectStaticCluster(clusters);
     if (index >= 0) {
-      infos = clusters[static_cast<size_t>(index)];
+      infos = std::move(clusters[static_cast<size_t>(index)]);
     }
   }
   logInfo("Filtered by DBScan stage " + stageText + ", Infos size: " +
