@@ -5,18 +5,33 @@
 #include <string>
 #include <vector>
 
+#include "calculator/position_calculator.h"
 #include "model/ble_scan_info_with_confidence.h"
 #include "model/tag_best_location.h"
 #include "solver/value_and_jacobian_function.h"
 
 namespace Vantis::Location {
 
-// The main tag locator: solves a position from the records that survive filtering, either as
-// a confidence-weighted mean of the observers or as a least-squares range fit, refuses it when
-// the tag has evidently moved, and fills in the building and floor by majority vote.
-// Positions are local east/north metres while solving and degrees for the indoor vote.
-class CorvexTagPositionCalculator {
+// The main tag locator: scores and filters the records, solves a position from the survivors,
+// either as a confidence-weighted mean of the observers or as a least-squares range fit,
+// refuses it when the tag has evidently moved, and returns it or the k-means result, whichever
+// rests on more recent scans, with building and floor by majority vote. Positions are local
+// east/north metres around the oldest record while solving and degrees otherwise.
+class CorvexTagPositionCalculator : public PositionCalculator {
  public:
+  // Sorts infos by scan time and scores them in place; they leave in degrees (lon/lat) again.
+  // Every failure is an error code on the result.
+  TagBestLocation getPosition(std::vector<BleScanInfoWithConfidence>& infos) override;
+  // The stages on records in the local plane; early exits return defaultResult with the code.
+  TagBestLocation getPositionInner(std::vector<BleScanInfoWithConfidence>& infos,
+                                   TagBestLocation& defaultResult);
+  // A missing RSSI (0) reads as -100 dBm.
+  static void setDefaultRssi(std::vector<BleScanInfoWithConfidence>& infos);
+  // Scores every record; false when the scores sum below 0.0001.
+  static bool getNewConfidence(std::vector<BleScanInfoWithConfidence>& infos);
+  // The records the last solve used, in degrees.
+  std::vector<BleScanInfoWithConfidence> getFilteredInfos() const { return filteredInfos_; }
+
   // Position solving. Records and points are in the local plane (metres).
 
   // Weighted mean for few or close observers, least-squares range fit otherwise; records its
@@ -69,6 +84,7 @@ class CorvexTagPositionCalculator {
 
  private:
   std::vector<double> confidenceWeights_;  // newConfidence squared per record of the last solve
+  std::vector<BleScanInfoWithConfidence> filteredInfos_;  // survivors of the last filtering
 };
 
 extern template std::string CorvexTagPositionCalculator::selectMostOccurrences<std::string>(

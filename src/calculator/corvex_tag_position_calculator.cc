@@ -1,0 +1,130 @@
+#include "calculator/corvex_tag_position_calculator.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "calculator/kmeans_position_calculator.h"
+#include "filter/ble_scan_info_filters.h"
+#include "filter/confidence_calculator.h"
+#include "geometry/coordinate_converter.h"
+#include "interface/corvex_tag_logger.h"
+
+namespace Vantis::Location {
+namespace {
+
+// 5000 records are accepted, 5001 refused.
+constexpr std::size_t kMaxRecords = 5001;
+constexpr int kMissingRssi = 0;
+constexpr int kDefaultRssi = -100;  // dBm
+constexpr double kMinConfidenceSum = 0.0001;
+
+// What the caller gets when no position can be solved: the newest scan as reported.
+TagBestLocation newestScanResult(BleScanInfoWithConfidence const& newest) {
+  LastLocation const& location = newest.getLastLocationConst();
+  long long const timeStamp = newest.getBlueToothRecordConst().getTimeStamp();
+  TagBestLocation result(location.getLon(), location.getLat(), timeStamp, newest.getConfidence(),
+                         location.getAcc());
+  result.setRunTimeStamp(timeStamp);
+  result.setErrorCode(ErrorCode::UNKNOWN_ERROR);
+  return result;
+}
+
+// Oldest scan first. Stable, so that equal time stamps keep a reproducible order.
+void sortByScanTime(std::vector<BleScanInfoWithConfidence>& infos) {
+  std::stable_sort(infos.begin(), infos.end(),
+                   [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
+                     return a.getBlueToothRecordConst().getTimeStamp() <
+                            b.getBlueToothRecordConst().getTimeStamp();
+                   });
+}
+
+}  // namespace
+
+TagBestLocation CorvexTagPositionCalculator::getPosition(
+    std::vector<BleScanInfoWithConfidence>& infos) {
+  if (infos.empty()) {
+    CorvexTagLogger::getInstance().error("infos is null or empty");
+    return TagBestLocation(ErrorCode::INPUT_INFO_EMPTY);
+  }
+  sortByScanTime(infos);
+  BleScanInfoWithConfidence const latest = infos.back();
+  TagBestLocation defaultResult = newestScanResult(latest);
+  setResultIndoorInfo(defaultResult, {latest});
+
+  std::vector<double> const refPos = getRefPos(infos);
+  CoordinateConverter::gnssConvertToEnu(infos, refPos);
+  TagBestLocation innerResult = getPositionInner(infos, defaultResult);
+  CoordinateConverter::enuConvertToGnss(infos, refPos);
+  CoordinateConverter::enuConvertToGnss(filteredInfos_, refPos);
+  // Failures return as they are: RSSI_OVER_LIMIT deliberately keeps its local-plane position.
+  if (innerResult.getErrorCode() != ErrorCode::SUCCESS) {
+    return innerResult;
+  }
+
+  KmeansPositionCalculator kmeansCalculator;
+  TagBestLocation kmeansResult = kmeansCalculator.getPosition(infos);
+  TagBestLocation chosen;
+  if (innerResult.getRunTimeStamp() >= kmeansResult.getRunTimeStamp()) {
+    CorvexTagLogger::getInstance().info("using algorithm 1");
+    CoordinateConverter::enuConvertToGnss(innerResult, refPos);
+    chosen = std::move(innerResult);
+  } else {
+    CorvexTagLogger::getInstance().info("using algorithm 2");
+    chosen = std::move(kmeansResult);
+  }
+  setResultIndoorInfo(chosen, infos);
+  return chosen;
+}
+
+TagBestLocation CorvexTagPositionCalculator::getPositionInner(
+    std::vector<BleScanInfoWithConfidence>& infos, TagBestLocation& defaultResult) {
+  if (infos.size() >= kMaxRecords) {
+    CorvexTagLogger::getInstance().error("infos size exceed limit");
+    return defaultResult.setErrorCodeAndGet(ErrorCode::INPUT_INFO_OVER_LIMIT);
+  }
+  setDefaultRssi(infos);
+  if (!getNewConfidence(infos)) {
+    return defaultResult.setErrorCodeAndGet(ErrorCode::CONFIDENCE_ERROR);
+  }
+  std::vector<int> infoCount;
+  filteredInfos_ = BleScanInfoFilters::filter(infos, infoCount);
+  if (filteredInfos_.empty()) {
+    CorvexTagLogger::getInstance().error("filteredInfos is empty");
+    return defaultResult.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);
+  }
+  TagBestLocation tagResult = getTagResult(filteredInfos_);
+  // All records count here, not only the filtered ones.
+  if (checkMoved(infos, tagResult)) {
+    CorvexTagLogger::getInstance().info("Tag is moved");
+    return defaultResult.setErrorCodeAndGet(ErrorCode::TAG_IS_MOVED);
+  }
+  tagResult.setRunTimeStamp(getRunTimeStamp(infos, tagResult));
+  tagResult.getTagStat().setInfoCount(infoCount);
+  return tagResult;
+}
+
+void CorvexTagPositionCalculator::setDefaultRssi(std::vector<BleScanInfoWithConfidence>& infos) {
+  for (BleScanInfoWithConfidence& info : infos) {
+    if (info.getBlueToothRecordConst().getRssi() == kMissingRssi) {
+      info.getBlueToothRecord().setRssi(kDefaultRssi);
+    }
+  }
+}
+
+bool CorvexTagPositionCalculator::getNewConfidence(std::vector<BleScanInfoWithConfidence>& infos) {
+  ConfidenceCalculator const calculator(infos);
+  double sum = 0.0;
+  for (std::size_t i = 0; i < infos.size(); ++i) {
+    double const newConfidence = calculator.getNewConfidence(static_cast<int>(i));
+    infos[i].setNewConfidence(newConfidence);
+    sum += newConfidence;
+  }
+  if (!(sum < kMinConfidenceSum)) {
+    return true;
+  }
+  CorvexTagLogger::getInstance().error("All of new confidences are 0");
+  return false;
+}
+
+}  // namespace Vantis::Location
