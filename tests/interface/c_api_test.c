@@ -1,0 +1,68 @@
+/* Compiled as C: the public header must be valid C, and the entry point callable from C. */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "corvex/aggregate_location.h"
+
+/* The returned strings come from new[]; C hands them back to C++ for release. */
+void corvex_test_release(char* text);
+
+static int failures = 0;
+
+static void check(int condition, const char* what) {
+  if (!condition) {
+    fprintf(stderr, "c_api_test: FAILED: %s\n", what);
+    ++failures;
+  }
+}
+
+static int traceCode(const char* trace) {
+  const char* at = strstr(trace, "\"errorCode\":");
+  return at != NULL ? atoi(at + strlen("\"errorCode\":")) : -12345;
+}
+
+static void callWith(const AggregateScanInfo* infos, int count) {
+  AggregateLocationResult result;
+  char* trace = NULL;
+  int code = GetAggregateLocation(infos, count, &result, &trace);
+  check(trace != NULL && result.geoId != NULL && result.floorInfo != NULL, "strings returned");
+  if (trace != NULL) {
+    check(code == traceCode(trace), "return code equals the trace's errorCode");
+  }
+  corvex_test_release(result.geoId);
+  corvex_test_release(result.floorInfo);
+  corvex_test_release(trace);
+}
+
+int main(void) {
+  AggregateScanInfo infos[3];
+  AggregateLocationResult untouched;
+  char* trace = NULL;
+  int i;
+
+  memset(infos, 0, sizeof infos);
+  for (i = 0; i < 3; ++i) {
+    infos[i].timeStamp = 1700000000000LL + i * 10000;
+    infos[i].rssi = -65 - i;
+    infos[i].confidence = 0.9;
+    infos[i].lon = 8.5417 + i * 1e-5;
+    infos[i].lat = 47.3769;
+    infos[i].acc = 10.0f;
+    infos[i].locationType = 1;
+    infos[i].locationSourceType = 1;
+  }
+  infos[2].geoId = "B1";
+  infos[2].floorInfo = "F2";
+  infos[2].floorId = 2;
+
+  check(GetAggregateLocation(NULL, 3, &untouched, &trace) == CORVEX_NULL_INPUT, "null infos");
+  check(trace == NULL, "null infos leaves the trace alone");
+  callWith(infos, 0);
+  callWith(infos, 3);
+
+  if (failures == 0) {
+    printf("c_api_test: ok\n");
+  }
+  return failures == 0 ? 0 : 1;
+}
