@@ -123,19 +123,5 @@ TEST(AggregateLocationAdapter, PublishesEveryFieldAndFreshStrings) {
   delete[] trace;
 }
 
-TEST(AggregateLocationAdapter, PublishNothingClearsOnlyTheStrings) {
-  AggregateLocationResult result{};
-  result.floorId = 5;
-  char text[] = "stale";
-  result.geoId = text;
-  result.floorInfo = text;
-  char* trace = text;
-  AggregateLocationAdapter::publishNothing(&result, &trace);
-  EXPECT_EQ(result.geoId, nullptr);
-  EXPECT_EQ(result.floorInfo, nullptr);
-  EXPECT_EQ(trace, nullptr);
-  EXPECT_EQ(result.floorId, 5);
-}
-
 }  // namespace
 }  // namespace Vantis::Location
