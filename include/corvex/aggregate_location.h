@@ -11,11 +11,10 @@
  *    anything other than CORVEX_NULL_INPUT stores three new NUL-terminated strings: geoId and
  *    floorInfo of the output record, and the trace log. Each is allocated with the C++ array
  *    allocator (new char[length + 1]) and becomes the caller's; C++ callers release each one
- *    with delete[]. An empty text is a one-byte array holding only NUL; the pointers are
- *    null only when memory ran out (CORVEX_UNKNOWN_ERROR, nothing to release). C callers
- *    must hand the strings to C++ code for release:
- *    free() is not a valid way to release them. The library keeps no reference to the input
- *    after the call and never writes to it.
+ *    with delete[]; C callers must hand them to C++ code for release, as free() is not a
+ *    valid way to release them. An empty text is a one-byte array holding only NUL. The
+ *    pointers are null only when memory ran out (CORVEX_UNKNOWN_ERROR; nothing to release).
+ *    The library keeps no reference to the input after the call and never writes to it.
  *
  *  - Layout: both records are part of the binary interface (little-endian, 64-bit pointers,
  *    natural alignment); the assertions below pin every field offset.
