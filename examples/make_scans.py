@@ -33,7 +33,7 @@ def rssi_at(rng, distance):
     return int(round(min(-40.0, max(-100.0, value))))
 
 
-def scan(rng, tag, time_ms, tag_lon, tag_lat, radius, fix_kind, indoor=None):
+def scan(rng, tag, time_ms, tag_lon, tag_lat, radius, fix_kind, indoor=None, confidence=None):
     """One phone within radius metres of the tag reporting its fix; indoor = (building, floor)."""
     angle = rng.uniform(0.0, 2.0 * math.pi)
     distance = radius * math.sqrt(rng.random())
@@ -46,7 +46,8 @@ def scan(rng, tag, time_ms, tag_lon, tag_lat, radius, fix_kind, indoor=None):
         "tag": tag,
         "timeStamp": time_ms,
         "rssi": rssi_at(rng, distance),
-        "confidence": round(rng.uniform(0.55, 1.0) if fix_kind == GNSS else rng.uniform(0.3, 0.8), 2),
+        "confidence": confidence if confidence is not None else round(
+            rng.uniform(0.3, 0.8) if fix_kind == NETWORK else rng.uniform(0.55, 1.0), 2),
         "lon": round(fix_lon, 7),
         "lat": round(fix_lat, 7),
         "acc": round(acc, 1),
@@ -56,7 +57,7 @@ def scan(rng, tag, time_ms, tag_lon, tag_lat, radius, fix_kind, indoor=None):
     }
     if indoor is not None:
         building, floor = indoor
-        row.update({"indoorFlag": 1, "floorId": floor, "floorAcc": rng.choice([0, 0, 1, 2]),
+        row.update({"indoorFlag": 1, "floorId": floor, "floorAcc": rng.choice([5, 10, 12, 15, 20]),
                     "floorInfo": "L%d" % floor if floor >= 0 else "B%d" % -floor,
                     "geoId": building})
     return row
@@ -87,12 +88,12 @@ def mall_bag(rng):
 
 
 def moved_bike(rng):
-    """A bike heard at the station for two hours, then across town for the last half hour."""
+    """A bike heard at the station for two hours, then, 40 minutes later, once across town by a
+    phone with a trusted indoor fix: the tag has moved."""
     first = [scan(rng, "bike-moved", t, 8.5403, 47.3779, 20.0, GNSS)
              for t in times(rng, 45, START_MS, 120)]
-    second = [scan(rng, "bike-moved", t, 8.5205, 47.3904, 20.0, GNSS)
-              for t in times(rng, 15, START_MS + 125 * MINUTE_MS, 30)]
-    return first + second
+    last = first[-1]["timeStamp"] + 40 * MINUTE_MS
+    return first + [scan(rng, "bike-moved", last, 8.5205, 47.3904, 10.0, INDOOR, confidence=0.95)]
 
 
 def wallet_with_old_cluster(rng):
