@@ -40,11 +40,11 @@ class LMOptimizer {
               double orthogonalityTolerance, double rankingThreshold);
   LMOptimizer(LMOptimizer const&) = default;
   LMOptimizer& operator=(LMOptimizer const&) = default;
-  virtual ~LMOptimizer() = default;
 
   // Minimises the problem's weighted cost from its start point. Never fails: every stop
   // (convergence, a limit, tolerances too small) returns the estimation current at that time.
   virtual OptimizerResult optimize(LSProblem& problem) const;
+  virtual ~LMOptimizer() = default;
 
   // Householder QR with column pivoting of the negated Jacobian.
   DataSet qrDecomposition(std::vector<std::vector<double>> const& jacobian, int solvedCols) const;
