@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <string>
 
@@ -537,8 +538,9 @@ double LMOptimizer::getLevenbergMarquardtParameter(
     std::vector<double> const& qy, double delta, std::vector<double> const& scale,
     DataSet const& dataSet, int solvedCols, std::vector<double>& work1, std::vector<double>& work2,
     std::vector<double>& work3, std::vector<double>& direction, double lambda) const {
-  // Private copies: the search must leave the caller's factorisation as it was.
-  Matrix const factors = dataSet.factors;
+  // The factor matrix is only read here (the direction solve rotates its own copy), so it is
+  // not copied; the short vectors are, in case a caller hands one in as a work vector too.
+  Matrix const& factors = dataSet.factors;
   std::vector<int> const permutation = dataSet.permutation;
   std::vector<double> const rDiagonal = dataSet.rDiagonal;
   int const rank = dataSet.rank;
@@ -595,8 +597,11 @@ void LMOptimizer::getLevenbergMarquardtDirection(std::vector<double> const& qy,
                                                  DataSet const& dataSet, int solvedCols,
                                                  std::vector<double>& work,
                                                  std::vector<double>& direction) const {
-  // Private copies: the rotated triangle built here must not reach the caller.
-  Matrix factors = dataSet.factors;
+  // Private copy: the rotated triangle built here must not reach the caller. Only the leading
+  // solvedCols rows are ever read, so the rest of a tall matrix is not copied.
+  auto const leadingRows = static_cast<Matrix::difference_type>(
+      std::min(static_cast<std::size_t>(std::max(solvedCols, 0)), dataSet.factors.size()));
+  Matrix factors(dataSet.factors.begin(), dataSet.factors.begin() + leadingRows);
   std::vector<int> const permutation = dataSet.permutation;
   std::vector<double> const rDiagonal = dataSet.rDiagonal;
 
