@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <climits>
 #include <limits>
+#include <map>
 #include <memory>
 #include <numeric>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "filter/neighbour_grid.h"
@@ -21,10 +23,12 @@ namespace Vantis::Location {
 
 // Density-based clustering (DBSCAN, Ester, Kriegel, Sander and Xu, KDD 1996) of records by the
 // {x, y} position getPoint() gives. T derives from DbScanClass and has operator< and
-// operator==. Departures from the textbook: a record reached once is never touched again, so a
-// record found to be noise never becomes a border record of a later cluster; a record
-// operator== to a centre is never its neighbour; and records equivalent under operator< count
-// as one record wherever the algorithm asks whether a record was seen.
+// operator==; like a scan record, it is ordered first by a getBlueToothRecordConst() free of
+// NaN, and every field of its operator< also takes part in its operator==. Departures from the
+// textbook: a record reached once is never touched again, so a record found to be noise never
+// becomes a border record of a later cluster; a record operator== to a centre is never its
+// neighbour; and records equivalent under operator< count as one record wherever the algorithm asks
+// whether a record was seen.
 template <typename T>
 class DbScan {
  public:
@@ -56,6 +60,9 @@ class DbScan {
 // equivalence class under operator< is computed once, and a class is labelled (handled) or
 // claimed (in the current seed list) as a whole, which is what lookups in an ordered label
 // map and an ordered seed set amount to. Unclaimed records are found through a NeighbourGrid.
+// That holds only while operator< is a strict weak ordering of the records; when NaN fields
+// break it, a lookup's answer depends on the tree it walks, so the ordered containers are
+// replayed instead.
 template <typename T>
 class DbScan<T>::Pass {
  public:
@@ -64,7 +71,18 @@ class DbScan<T>::Pass {
   std::vector<std::vector<T>> run();
 
  private:
+  // Orders records by index as operator< orders the records themselves.
+  struct ByRecord {
+    std::vector<T> const* infos;
+    bool operator()(size_t a, size_t b) const { return (*infos)[a] < (*infos)[b]; }
+  };
+
   void groupEquivalents();
+  bool ordersStrictWeakly() const;
+  bool slotsFollowClasses(std::vector<size_t>::const_iterator first,
+                          std::vector<size_t>::const_iterator last) const;
+  std::vector<std::vector<T>> runOnOrderedContainers() const;
+  std::vector<size_t> neighboursOf(size_t centre) const;
   bool isNeighbour(size_t centre, size_t candidate) const;
   bool isCore(size_t centre) const;
   // Unclaimed neighbours of `centre` in input order; claims their classes.
@@ -172,8 +190,60 @@ void DbScan<T>::Pass::groupEquivalents() {
   labelOf.assign(classBegin.size() - 1, std::nullopt);
 }
 
+// A scan record's operator< decides by its BlueToothRecord first, whose fields cannot be NaN,
+// and every ordering field also takes part in operator==. So the ordering can only break among
+// at least three records with equivalent BlueToothRecords, one of them not == to itself;
+// such groups are checked pair by pair against the sorted classes.
+template <typename T>
+bool DbScan<T>::Pass::ordersStrictWeakly() const {
+  if (std::all_of(infos.begin(), infos.end(), [](T const& info) { return info == info; })) {
+    return true;
+  }
+  auto const scanOf = [this](size_t slot) -> auto const& {
+    return infos[byClass[slot]].getBlueToothRecordConst();
+  };
+  std::vector<size_t> slots(byClass.size());  // by scan, each group in ascending slot order
+  std::iota(slots.begin(), slots.end(), size_t{0});
+  std::stable_sort(slots.begin(), slots.end(),
+                   [&scanOf](size_t a, size_t b) { return scanOf(a) < scanOf(b); });
+  for (size_t begin = 0, end = 1; begin < slots.size(); begin = end++) {
+    while (end < slots.size() && !(scanOf(slots[end - 1]) < scanOf(slots[end]))) {
+      ++end;
+    }
+    if (!slotsFollowClasses(slots.begin() + begin, slots.begin() + end)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Whether the records in these slots (ascending) are ordered exactly as their classes say.
+template <typename T>
+bool DbScan<T>::Pass::slotsFollowClasses(std::vector<size_t>::const_iterator first,
+                                         std::vector<size_t>::const_iterator last) const {
+  if (last - first < 3 || std::all_of(first, last, [this](size_t slot) {
+        return infos[byClass[slot]] == infos[byClass[slot]];
+      })) {
+    return true;
+  }
+  for (auto lowerSlot = first; lowerSlot != last; ++lowerSlot) {
+    for (auto upperSlot = lowerSlot + 1; upperSlot != last; ++upperSlot) {
+      T const& lower = infos[byClass[*lowerSlot]];
+      T const& upper = infos[byClass[*upperSlot]];
+      bool const equivalent = classOf[byClass[*lowerSlot]] == classOf[byClass[*upperSlot]];
+      if (upper < lower || (lower < upper) == equivalent) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
 template <typename T>
 std::vector<std::vector<T>> DbScan<T>::Pass::run() {
+  if (!ordersStrictWeakly()) {
+    return runOnOrderedContainers();
+  }
   std::vector<std::vector<T>> clusters;
   for (size_t record = 0; record < infos.size(); ++record) {
     std::optional<int>& label = labelOf[classOf[record]];
@@ -261,6 +331,69 @@ std::vector<T> DbScan<T>::Pass::addCluster(size_t founder) {
     members.push_back(infos[seed]);
   }
   return members;
+}
+
+// The algorithm step by step, with a label map and seed sets keyed by index: each container
+// sees the insertions and lookups it would see holding copies of the records. The seed set
+// grows by inserts at its end, as a set built afresh from the seed list at each merge would.
+template <typename T>
+std::vector<std::vector<T>> DbScan<T>::Pass::runOnOrderedContainers() const {
+  ByRecord const byRecord{&infos};
+  size_t const minPts = static_cast<size_t>(scan.minPts);
+  std::map<size_t, int, ByRecord> labels(byRecord);
+  std::vector<std::vector<T>> clusters;
+  for (size_t founder = 0; founder < infos.size(); ++founder) {
+    if (labels.count(founder) != 0) {
+      continue;
+    }
+    std::vector<size_t> seeds = neighboursOf(founder);
+    if (seeds.size() < minPts) {
+      labels.insert({founder, scan.noiseLabel});
+      continue;
+    }
+    std::vector<T> members = {infos[founder]};
+    labels.insert({founder, scan.clusterLabel});
+    std::set<size_t, ByRecord> seedSet(byRecord);
+    for (size_t seed : seeds) {
+      seedSet.insert(seedSet.end(), seed);
+    }
+    for (size_t next = 0; next < seeds.size(); ++next) {
+      size_t const seed = seeds[next];
+      if (labels.count(seed) != 0) {  // every label equals the cluster label
+        continue;
+      }
+      std::vector<size_t> const more = neighboursOf(seed);
+      if (more.size() >= minPts) {
+        size_t const atEntry = seeds.size();
+        for (size_t candidate : more) {
+          if (seedSet.count(candidate) == 0) {
+            seeds.push_back(candidate);
+          }
+        }
+        for (size_t added = atEntry; added < seeds.size(); ++added) {
+          seedSet.insert(seedSet.end(), seeds[added]);
+        }
+      }
+      labels.insert({seed, scan.clusterLabel});
+      members.push_back(infos[seed]);
+    }
+    clusters.push_back(std::move(members));
+  }
+  return clusters;
+}
+
+// All neighbours of `centre`, claimed or not, in input order.
+template <typename T>
+std::vector<size_t> DbScan<T>::Pass::neighboursOf(size_t centre) const {
+  std::vector<size_t> found;
+  grid.forEachNear(centre, [&](size_t candidate) {
+    if (isNeighbour(centre, candidate)) {
+      found.push_back(candidate);
+    }
+    return true;
+  });
+  std::sort(found.begin(), found.end());
+  return found;
 }
 
 }  // namespace Vantis::Location
