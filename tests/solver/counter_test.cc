@@ -7,24 +7,25 @@
 namespace Vantis::Location {
 namespace {
 
-TEST(Counter, ReportsTheLimitOnlyOnceReachedAndKeepsCounting) {
-  Counter counter(2);
-  std::vector<bool> reached;
-  std::vector<int> counts;
-  for (int i = 0; i < 4; ++i) {
-    reached.push_back(counter.countPlus());
-    counts.push_back(counter.getCount());
-  }
-  EXPECT_EQ(reached, (std::vector<bool>{false, false, true, true}));
-  EXPECT_EQ(counts, (std::vector<int>{1, 2, 3, 4}));
-}
-
-TEST(Counter, ZeroOrNegativeLimitIsReachedAtOnce) {
-  for (int maximum : {0, -5}) {
-    Counter counter(maximum);
-    EXPECT_EQ(counter.getCount(), 0);
-    EXPECT_TRUE(counter.countPlus()) << maximum;
-    EXPECT_EQ(counter.getCount(), 1);
+TEST(Counter, ReportsTheLimitOnceReachedAndKeepsCounting) {
+  struct Case {
+    int maximum;
+    std::vector<bool> reached;  // by the first four counts
+  } const cases[] = {
+      {2, {false, false, true, true}},
+      {0, {true, true, true, true}},
+      {-5, {true, true, true, true}},
+  };
+  for (Case const& c : cases) {
+    Counter counter(c.maximum);
+    std::vector<bool> reached;
+    std::vector<int> counts = {counter.getCount()};
+    for (int i = 0; i < 4; ++i) {
+      reached.push_back(counter.countPlus());
+      counts.push_back(counter.getCount());
+    }
+    EXPECT_EQ(reached, c.reached) << c.maximum;
+    EXPECT_EQ(counts, (std::vector<int>{0, 1, 2, 3, 4}));
   }
 }
 
