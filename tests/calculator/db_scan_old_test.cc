@@ -3,28 +3,29 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
 
-using corvex_test::LogCapture;
-using corvex_test::LogLine;
+using corvex_test::tagged;
+using Ids = std::vector<int>;
+using Lines = std::vector<std::string>;
 
-std::vector<int> idsOf(std::vector<Point> const& points) {
-  std::vector<int> ids;
-  for (Point const& point : points) {
-    ids.push_back(point.getId());
-  }
+Ids idsOf(std::vector<Point> const& points) {
+  Ids ids;
+  for (Point const& point : points) ids.push_back(point.getId());
   return ids;
 }
 
 TEST(DBScanOld, NeighboursMustBeCloserThanEpsInWholeMetres) {
   struct Case {
-    double latOffset;
-    double metres;
-    std::vector<int> kept;
+    double latOffset, metres;
+    Ids kept;
   } const cases[] = {
       {0.00089, 99, {0, 1}},  // 98.97 m
       {0.000895, 100, {0}},   // 99.53 m rounds up to the radius
@@ -40,29 +41,25 @@ TEST(DBScanOld, NeighboursMustBeCloserThanEpsInWholeMetres) {
 TEST(DBScanOld, NeighbourhoodsSharingAPointMergeWithThatPointOnce) {
   // 0 and 2 are 133 m apart; 1 lies 67 m from each.
   std::vector<Point> points = {Point(0, 0, 0), Point(0, 0.0012, 2), Point(0, 0.0006, 1)};
-  LogCapture capture;
+  corvex_test::LogCapture capture;
   std::vector<std::vector<Point>> groups = DBScanOld::applyDbScanInner(points, 100.0, 3);
   ASSERT_EQ(groups.size(), 2u);
-  EXPECT_EQ(idsOf(groups[0]), (std::vector<int>{0, 1, 2}));
+  EXPECT_EQ(idsOf(groups[0]), (Ids{0, 1, 2}));
   EXPECT_TRUE(groups[1].empty());
-  EXPECT_EQ(capture.lines(), (std::vector<LogLine>{{4, "applyDbScanInner: 3"},
-                                                   {4, "applyDbScanInner: 0"},
-                                                   {4, "applyDbScanInner: result size 2"}}));
-  for (Point const& point : points) {
-    EXPECT_TRUE(point.isClassed());
-  }
+  EXPECT_EQ(tagged(capture), (Lines{"I:applyDbScanInner: 3", "I:applyDbScanInner: 0",
+                                    "I:applyDbScanInner: result size 2"}));
+  for (Point const& point : points) EXPECT_TRUE(point.isClassed());
 }
 
 TEST(DBScanOld, KeepsTheEarliestOfTheLargestGroups) {
   // Three separate spots: a single point, then two pairs.
   std::vector<Point> points = {Point(1, 1, 0), Point(0, 0, 1), Point(0, 0.0001, 2), Point(2, 2, 3),
                                Point(2, 2.0001, 4)};
-  LogCapture capture;
-  EXPECT_EQ(idsOf(DBScanOld::getFilteredPointList(points, 100.0, 3)), (std::vector<int>{1, 2}));
-  EXPECT_EQ(capture.messages(),
-            (std::vector<std::string>{"getFilteredPointList", "applyDbScanInner: 1",
-                                      "applyDbScanInner: 2", "applyDbScanInner: 2",
-                                      "applyDbScanInner: result size 3"}));
+  corvex_test::LogCapture capture;
+  EXPECT_EQ(idsOf(DBScanOld::getFilteredPointList(points, 100.0, 3)), (Ids{1, 2}));
+  EXPECT_EQ(tagged(capture),
+            (Lines{"I:getFilteredPointList", "I:applyDbScanInner: 1", "I:applyDbScanInner: 2",
+                   "I:applyDbScanInner: 2", "I:applyDbScanInner: result size 3"}));
 }
 
 TEST(DBScanOld, MergeListNeedsASharedPoint) {
@@ -71,29 +68,24 @@ TEST(DBScanOld, MergeListNeedsASharedPoint) {
   EXPECT_FALSE(DBScanOld::mergeList(a, {Point(1, 1, 5)}));  // same place, other id
   EXPECT_EQ(a.size(), 2u);
   EXPECT_TRUE(DBScanOld::mergeList(a, {Point(3, 3, 3), Point(1, 1, 1), Point(2, 2, 2)}));
-  EXPECT_EQ(idsOf(a), (std::vector<int>{0, 1, 3, 2}));
-
+  EXPECT_EQ(idsOf(a), (Ids{0, 1, 3, 2}));
   DBScanOld::setListClassed(a);
-  for (Point const& point : a) {
-    EXPECT_TRUE(point.isClassed());
-  }
+  for (Point const& point : a) EXPECT_TRUE(point.isClassed());
 }
 
 TEST(DBScanOld, EmptyOrUnmeasurableInputGivesAnEmptyListWithAnError) {
   struct Case {
     std::vector<Point> points;
-    std::vector<LogLine> log;
+    Lines log;
   } cases[] = {
-      {{}, {{4, "getFilteredPointList"}, {6, "points is empty!"}}},
+      {{}, {"I:getFilteredPointList", "E:points is empty!"}},
       {{Point(0, NAN, 0), Point(INFINITY, 1, 1)},
-       {{4, "getFilteredPointList"},
-        {4, "applyDbScanInner: result size 0"},
-        {6, "dbscanResult is empty."}}},
+       {"I:getFilteredPointList", "I:applyDbScanInner: result size 0", "E:dbscanResult is empty."}},
   };
   for (Case& c : cases) {
-    LogCapture capture;
+    corvex_test::LogCapture capture;
     EXPECT_TRUE(DBScanOld::getFilteredPointList(c.points, 100.0, 3).empty());
-    EXPECT_EQ(capture.lines(), c.log);
+    EXPECT_EQ(tagged(capture), c.log);
   }
 }
 

@@ -2,13 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
 
-using corvex_test::LogCapture;
-using corvex_test::LogLine;
+using corvex_test::tagged;
+using Lines = std::vector<std::string>;
 
 Point pointWithAcc(double lon, double lat, int id, float acc) {
   Point point(lon, lat, id);
@@ -24,8 +28,7 @@ std::vector<Point> threePoints() {
 TEST(KmeansOld, SingleCentreAveragesItsStartWithAllPointsOverCountPlusOne) {
   struct Case {
     int maxIter;
-    double lon;
-    double lat;
+    double lon, lat;
   } const cases[] = {
       {0, 2, 20},         // the most accurate point
       {1, 2.25, 22.5},    // (2 + 2 + 2 + 3) / 4, (20 + 20 + 20 + 30) / 4
@@ -35,44 +38,30 @@ TEST(KmeansOld, SingleCentreAveragesItsStartWithAllPointsOverCountPlusOne) {
   for (Case const& c : cases) {
     std::vector<Point> points = threePoints();
     Point const core = KmeansOld::getCorePoint(points, 1, c.maxIter);
-    EXPECT_EQ(core.getLon(), c.lon) << c.maxIter;
-    EXPECT_EQ(core.getLat(), c.lat) << c.maxIter;
-    EXPECT_EQ(core.getId(), 7);
-    EXPECT_EQ(points[0].getLon(), c.lon);  // the caller's first point now holds the centre
-    EXPECT_EQ(points[0].getLat(), c.lat);
+    EXPECT_TRUE(core == Point(c.lon, c.lat, 7)) << c.maxIter;  // id and the rest from points[0]
+    // The caller's first point now holds the centre.
+    EXPECT_TRUE(points[0] == Point(c.lon, c.lat, 7)) << c.maxIter;
     EXPECT_EQ(points[1].getLon(), 2);
   }
-}
-
-TEST(KmeansOld, StartsAtTheFirstOfEquallyAccuratePoints) {
+  // Of equally accurate points the first is the start.
   std::vector<Point> points = {pointWithAcc(1, 1, 0, 4), pointWithAcc(2, 2, 1, 3),
                                pointWithAcc(5, 5, 2, 3)};
   Point const core = KmeansOld::getCorePoint(points, 1, 0);
   EXPECT_EQ(core.getLon(), 2);
-  EXPECT_EQ(core.getAcc(), 4);  // the rest of centre 0 is a copy of points[0]
+  EXPECT_EQ(core.getAcc(), 4);
 }
 
 TEST(KmeansOld, LogsItsStepsAndReturnsTheOriginWhenItCannotRun) {
   std::vector<Point> none;
-  LogCapture capture;
-  EXPECT_TRUE(KmeansOld::getCorePoint(none, 1, 10) == Point(0, 0));
   std::vector<Point> points = threePoints();
-  EXPECT_TRUE(KmeansOld::getCorePoint(points, 4, 10) == Point(0, 0));
-  EXPECT_TRUE(KmeansOld::getCorePoint(points, 0, 10) == Point(0, 0));
-  EXPECT_TRUE(KmeansOld::getCorePoint(points, -2, 10) == Point(0, 0));
+  corvex_test::LogCapture capture;
+  EXPECT_TRUE(KmeansOld::getCorePoint(none, 1, 10) == Point(0, 0));
+  for (int k : {4, 0, -2}) EXPECT_TRUE(KmeansOld::getCorePoint(points, k, 10) == Point(0, 0)) << k;
   KmeansOld::getCorePoint(points, 1, 10);
-  EXPECT_EQ(capture.lines(), (std::vector<LogLine>{{4, "getCorePoint"},
-                                                   {6, "points list is empty!"},
-                                                   {4, "getCorePoint"},
-                                                   {4, "applyKmeansInner"},
-                                                   {4, "getCorePoint"},
-                                                   {4, "applyKmeansInner"},
-                                                   {4, "getCorePoint"},
-                                                   {4, "applyKmeansInner"},
-                                                   {4, "getCorePoint"},
-                                                   {4, "applyKmeansInner"},
-                                                   {4, "kmeans"},
-                                                   {4, "points size 3"}}));
+  EXPECT_EQ(tagged(capture), (Lines{"I:getCorePoint", "E:points list is empty!", "I:getCorePoint",
+                                    "I:applyKmeansInner", "I:getCorePoint", "I:applyKmeansInner",
+                                    "I:getCorePoint", "I:applyKmeansInner", "I:getCorePoint",
+                                    "I:applyKmeansInner", "I:kmeans", "I:points size 3"}));
 }
 
 TEST(KmeansOld, CentresWithoutPointsStayAndOthersKeepTheirOldPositionAsASample) {
@@ -84,11 +73,11 @@ TEST(KmeansOld, CentresWithoutPointsStayAndOthersKeepTheirOldPositionAsASample) 
   EXPECT_EQ(result[1].getLat(), 1.0);  // (1 + 1) / 2
   EXPECT_EQ(result[2].getLat(), 50.0);
   EXPECT_EQ(points[0].getLat(), 0.001 / 3);
-
+  // Fewer points than centres: no round.
   std::vector<Point> few = {Point(1, 1)};
-  LogCapture capture;
+  corvex_test::LogCapture capture;
   EXPECT_EQ(KmeansOld::kmeans(few, centers, 3, 5)[1].getLat(), 1.0);
-  EXPECT_EQ(capture.messages(), std::vector<std::string>{"kmeans"});
+  EXPECT_EQ(tagged(capture), Lines{"I:kmeans"});
 }
 
 TEST(KmeansOld, FindCenterPicksTheNearestAndTheEarliestOfEquals) {
