@@ -8,14 +8,17 @@
 
 #include "support/filter_records.h"
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
 
 using corvex_test::Ids;
+using corvex_test::idsOf;
 using corvex_test::LogCapture;
 using corvex_test::makeRecord;
 using corvex_test::Records;
+using corvex_test::tagged;
 using Filters = BleScanInfoFilters;
 
 constexpr long long kHour = 3600000;
@@ -41,68 +44,57 @@ TEST(BleScanInfoFilters, CountsAndGuards) {
   EXPECT_EQ(Filters::getHaveGnssCluster({three, {plain(0, 1)}}), -1);
   EXPECT_EQ(Filters::getHaveGnssCluster({{plain(0, 1)}, four}), 1);
   EXPECT_EQ(Filters::getClusterByTimeSwitchCheck({{plain(0, 2)}}), -1);  // a lone record
-  EXPECT_EQ(capture.messages(),
-            (Ids{"getActiveCount: 1", "getGnssCount: 1", "getGnssCount: 0", "getGnssCount: 0",
-                 "getGnssCount: 1", "only one GNSS, needs careful consideration",
-                 "Latest points belong to: [0]"}));
+  EXPECT_EQ(tagged(capture), (Ids{"I:getActiveCount: 1", "I:getGnssCount: 1", "I:getGnssCount: 0",
+                                  "I:getGnssCount: 0", "I:getGnssCount: 1",
+                                  "I:only one GNSS, needs careful consideration",
+                                  "I:Latest points belong to: [0]"}));
 }
 
 TEST(BleScanInfoFilters, LatestClusterSavesTheOnlyRecentOneOrErasesTheStale) {
-  struct Case {
-    std::vector<long long> newest;  // per cluster
-    int choice;
-    std::string message;
-    std::vector<long long> left;  // newest times of the clusters left
-  } const cases[] = {
-      {{kNow, kNow - 7200001}, 0, "saved cluster: 0", {kNow, kNow - 7200001}},
-      {{kNow, kNow - 7200000}, -1, "delete cluster: []", {kNow, kNow - 7200000}},
-      {{kNow - 3 * kHour, kNow, 0, kNow - kHour},
-       -1,
-       "delete cluster: [2, 0]",
-       {kNow, kNow - kHour}},
-      {{}, -1, "delete cluster: []", {}},
-  };
-  for (Case const& c : cases) {
+  long long const t = kNow;
+  // The newest time of each cluster before and after, the choice and the line logged.
+  auto const expectLatest = [](std::vector<long long> const& newest,
+                               std::vector<long long> const& left, int choice, std::string line) {
+    SCOPED_TRACE(line);
     Filters::ClusterList clusters;
-    for (long long time : c.newest) clusters.push_back({plain(0, 0), plain(0, time)});
+    for (long long time : newest) clusters.push_back({plain(0, 0), plain(0, time)});
     LogCapture capture;
-    EXPECT_EQ(Filters::getLatestCluster(clusters), c.choice) << c.message;
-    EXPECT_EQ(capture.messages(), (Ids{c.message}));
-    std::vector<long long> left;
-    for (Records const& cluster : clusters) left.push_back(Filters::getClusterTimeStamp(cluster));
-    EXPECT_EQ(left, c.left) << c.message;
-  }
+    EXPECT_EQ(Filters::getLatestCluster(clusters), choice);
+    EXPECT_EQ(tagged(capture), Ids{line});
+    std::vector<long long> times;
+    for (Records const& cluster : clusters) times.push_back(Filters::getClusterTimeStamp(cluster));
+    EXPECT_EQ(times, left);
+  };
+  expectLatest({t, t - 7200001}, {t, t - 7200001}, 0, "I:saved cluster: 0");
+  expectLatest({t, t - 7200000}, {t, t - 7200000}, -1, "I:delete cluster: []");
+  expectLatest({t - 3 * kHour, t, 0, t - kHour}, {t, t - kHour}, -1, "I:delete cluster: [2, 0]");
+  expectLatest({}, {}, -1, "I:delete cluster: []");
 }
 
 TEST(BleScanInfoFilters, StaticChoiceAppliesTheRulesInOrder) {
   long long const t = kNow;
-  struct Case {
-    Filters::ClusterList clusters;
-    int choice;
-    std::string lastMessage;
-  } cases[] = {
-      {{{plain(0, t - 1), plain(0, t)}, {gnss(1e3, 1), gnss(1e3, 2)}}, 0, "getLatestCluster"},
-      {{{active(0, t - 1), active(0, t)}, {gnss(1e3, t - 3), gnss(1e3, t - 2)}},
-       1,
-       "haveGnssCluster"},
-      {{{plain(0, t - 1), plain(0, t)}, {active(1e3, t - 3), active(1e3, t - 2)}},
-       1,
-       "haveActiveCluster"},
-      {{{plain(0, t - 9), plain(0, t - 8), plain(0, t - 7)}, {plain(1e3, t - 1), plain(1e3, t)}},
-       1,
-       "Latest points belong to: [1, 1, -1, -1, -1]"},  // time switch before size
-      {{{plain(0, 1), plain(0, t - 1), plain(0, 3)}, {plain(1e3, 2), plain(1e3, t)}},
-       0,
-       "Latest points belong to: [1, -1, -1, -1, -1]"},  // newest two apart: the biggest
-      {{{plain(0, t), plain(0, t - 2), plain(0, 1)}, {plain(99, t - 1), plain(99, t - 3)}},
-       0,
-       "Latest points belong to: [0, 1, 0, 1, 0]"},  // cluster 0 seen in two stretches
-  };
-  for (Case& c : cases) {
+  auto const expectChoice = [](Filters::ClusterList clusters, int choice, std::string lastLine) {
+    SCOPED_TRACE(lastLine);
     LogCapture capture;
-    EXPECT_EQ(Filters::selectStaticCluster(c.clusters), c.choice) << c.lastMessage;
-    EXPECT_EQ(capture.messages().back(), c.lastMessage);
-  }
+    EXPECT_EQ(Filters::selectStaticCluster(clusters), choice);
+    EXPECT_EQ(tagged(capture).back(), "I:" + lastLine);
+  };
+  expectChoice({{plain(0, t - 1), plain(0, t)}, {gnss(1e3, 1), gnss(1e3, 2)}}, 0,
+               "getLatestCluster");
+  expectChoice({{active(0, t - 1), active(0, t)}, {gnss(1e3, t - 3), gnss(1e3, t - 2)}}, 1,
+               "haveGnssCluster");
+  expectChoice({{plain(0, t - 1), plain(0, t)}, {active(1e3, t - 3), active(1e3, t - 2)}}, 1,
+               "haveActiveCluster");
+  // The time switch comes before size.
+  expectChoice(
+      {{plain(0, t - 9), plain(0, t - 8), plain(0, t - 7)}, {plain(1e3, t - 1), plain(1e3, t)}}, 1,
+      "Latest points belong to: [1, 1, -1, -1, -1]");
+  // The newest two apart: the biggest.
+  expectChoice({{plain(0, 1), plain(0, t - 1), plain(0, 3)}, {plain(1e3, 2), plain(1e3, t)}}, 0,
+               "Latest points belong to: [1, -1, -1, -1, -1]");
+  // Cluster 0 seen in two stretches.
+  expectChoice({{plain(0, t), plain(0, t - 2), plain(0, 1)}, {plain(99, t - 1), plain(99, t - 3)}},
+               0, "Latest points belong to: [0, 1, 0, 1, 0]");
   // Later rules run on the list as the recency rule left it.
   Filters::ClusterList clusters = {{gnss(0, t - 1), gnss(0, t)},
                                    {plain(1e3, t - kHour)},
@@ -110,52 +102,43 @@ TEST(BleScanInfoFilters, StaticChoiceAppliesTheRulesInOrder) {
   LogCapture capture;
   EXPECT_EQ(Filters::selectStaticCluster(clusters), 0);
   EXPECT_EQ(clusters.size(), 2u);
-  EXPECT_EQ(capture.messages(),
-            (Ids{"delete cluster: [2]", "getGnssCount: 2", "getGnssCount: 0", "haveGnssCluster"}));
+  EXPECT_EQ(tagged(capture), (Ids{"I:delete cluster: [2]", "I:getGnssCount: 2", "I:getGnssCount: 0",
+                                  "I:haveGnssCluster"}));
 }
 
 TEST(BleScanInfoFilters, ClusteringStagesKeepOneCluster) {
-  struct Case {
-    int stage;
-    Records infos;
-    Ids kept;
-    Ids messages;
-  } cases[] = {
-      {0,  // the newest group, though smaller
-       {plain(1e3, 1, "b"), plain(1e3, 2, "b"), plain(1e3, 3, "b"), plain(0, 5, "a"),
-        plain(9, 6, "a")},
-       {"a", "a"},
-       {"Cluster size: [3, 2]", "isValid set to false, valid len = 2",
-        "Latest points belong to: [1, 1, -1, -1, -1]",
-        "Filtered by DBScan stage 0, Infos size: 2, cluster size: 2"}},
-      {0,  // the tag hopped: the biggest group
-       {plain(0, 1, "a"), plain(1e3, 2, "b"), plain(1e3, 3, "b"), plain(1e3, 5, "b"),
-        plain(0, 6, "a")},
-       {"b", "b", "b"},
-       {"Cluster size: [2, 3]", "isValid set to false, valid len = 1",
-        "Latest points belong to: [0, -1, -1, -1, -1]",
-        "Filtered by DBScan stage 0, Infos size: 3, cluster size: 2"}},
-      {0,  // all isolated: the last record as the list stands
-       {plain(0, 3, "x"), plain(1e3, 1, "y"), plain(2e3, 2, "z")},
-       {"z"},
-       {"Cluster failed, return latest info in stage 0",
-        "Filtered by DBScan stage 0, Infos size: 1, cluster size: 0"}},
-      {1,
-       {plain(0, 1, "a"), plain(59, 2, "b"), plain(120, 3, "c")},
-       {"a", "b"},
-       {"Filtered by DBScan stage 1, Infos size: 2, cluster size: 1"}},
-      {7,
-       {},
-       {},
-       {"Cluster failed, return latest info in stage 7",
-        "Filtered by DBScan stage 7, Infos size: 0, cluster size: 0"}},
-  };
-  for (Case& c : cases) {
+  auto const expectKept = [](int stage, Records infos, Ids const& kept, Ids const& lines) {
+    SCOPED_TRACE(stage);
     LogCapture capture;
-    Filters::dbscanClustering(c.infos, static_cast<Filters::DbscanStage>(c.stage));
-    EXPECT_EQ(corvex_test::idsOf(c.infos), c.kept);
-    EXPECT_EQ(capture.messages(corvex_test::kInfo), c.messages);
-  }
+    Filters::dbscanClustering(infos, static_cast<Filters::DbscanStage>(stage));
+    EXPECT_EQ(idsOf(infos), kept);
+    EXPECT_EQ(tagged(capture), lines);
+  };
+  // The newest group, though smaller.
+  expectKept(0,
+             {plain(1e3, 1, "b"), plain(1e3, 2, "b"), plain(1e3, 3, "b"), plain(0, 5, "a"),
+              plain(9, 6, "a")},
+             {"a", "a"},
+             {"I:Cluster size: [3, 2]", "I:isValid set to false, valid len = 2",
+              "I:Latest points belong to: [1, 1, -1, -1, -1]",
+              "I:Filtered by DBScan stage 0, Infos size: 2, cluster size: 2"});
+  // The tag hopped: the biggest group.
+  expectKept(0,
+             {plain(0, 1, "a"), plain(1e3, 2, "b"), plain(1e3, 3, "b"), plain(1e3, 5, "b"),
+              plain(0, 6, "a")},
+             {"b", "b", "b"},
+             {"I:Cluster size: [2, 3]", "I:isValid set to false, valid len = 1",
+              "I:Latest points belong to: [0, -1, -1, -1, -1]",
+              "I:Filtered by DBScan stage 0, Infos size: 3, cluster size: 2"});
+  // All isolated: the last record as the list stands.
+  expectKept(0, {plain(0, 3, "x"), plain(1e3, 1, "y"), plain(2e3, 2, "z")}, {"z"},
+             {"I:Cluster failed, return latest info in stage 0",
+              "I:Filtered by DBScan stage 0, Infos size: 1, cluster size: 0"});
+  expectKept(1, {plain(0, 1, "a"), plain(59, 2, "b"), plain(120, 3, "c")}, {"a", "b"},
+             {"I:Filtered by DBScan stage 1, Infos size: 2, cluster size: 1"});
+  expectKept(7, {}, {},
+             {"E:infos == null or is empty", "I:Cluster failed, return latest info in stage 7",
+              "I:Filtered by DBScan stage 7, Infos size: 0, cluster size: 0"});
 }
 
 TEST(BleScanInfoFilters, PipelineIndoorsCutsAtSixHoursCountsSixStagesAndSortsByTime) {
@@ -165,13 +148,13 @@ TEST(BleScanInfoFilters, PipelineIndoorsCutsAtSixHoursCountsSixStagesAndSortsByT
       makeRecord(4, 0, kNow - 1, 0, 0.9, "b"), makeRecord(5, 0, kNow, 0, 0.8, "a")};
   std::vector<int> infoCount;
   LogCapture capture;
-  EXPECT_EQ(corvex_test::idsOf(Filters::filter(infos, infoCount)), (Ids{"6h", "c", "b", "a"}));
+  EXPECT_EQ(idsOf(Filters::filter(infos, infoCount)), (Ids{"6h", "c", "b", "a"}));
   EXPECT_EQ(infoCount, (std::vector<int>{6, 4, 4, 4, 4, 4}));
-  EXPECT_EQ(capture.messages(),
-            (Ids{"Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): "
-                 "[6, 4, 4, 4]",
-                 "Filtered by DBScan stage 0, Infos size: 4, cluster size: 1",
-                 "Filtered by DBScan stage 1, Infos size: 4, cluster size: 1"}));
+  EXPECT_EQ(tagged(capture),
+            (Ids{"I:Infos size(Before filter, Filtered by timeStamp, by kindTransID, by "
+                 "confidence): [6, 4, 4, 4]",
+                 "I:Filtered by DBScan stage 0, Infos size: 4, cluster size: 1",
+                 "I:Filtered by DBScan stage 1, Infos size: 4, cluster size: 1"}));
 }
 
 TEST(BleScanInfoFilters, PipelineKeepsHalfButAtLeastFifteenByConfidenceAndTenByDistance) {
@@ -196,11 +179,13 @@ TEST(BleScanInfoFilters, PipelineKeepsHalfButAtLeastFifteenByConfidenceAndTenByD
     ASSERT_EQ(infoCount.size(), c.outdoor ? 8u : 6u);
     EXPECT_EQ(std::vector<int>(infoCount.end() - 3, infoCount.end()), c.lastCounts) << c.records;
     if (c.outdoor) {
-      Ids const messages = capture.messages(corvex_test::kInfo);
-      EXPECT_EQ(Ids(messages.end() - 3, messages.end()),
-                (Ids{"GnssRatio: 1.000000",
-                     "Infos size(Filtered by GNSS std): " + std::to_string(c.records),
-                     "Infos size(Filtered by distance std): " + std::to_string(c.lastCounts[2])}));
+      // No record is proactive, so the cohesion check meets an empty list.
+      Ids const lines = tagged(capture);
+      EXPECT_EQ(
+          Ids(lines.end() - 4, lines.end()),
+          (Ids{"I:GnssRatio: 1.000000", "E:infos == null or is empty",
+               "I:Infos size(Filtered by GNSS std): " + std::to_string(c.records),
+               "I:Infos size(Filtered by distance std): " + std::to_string(c.lastCounts[2])}));
     }
   }
 }
@@ -210,7 +195,7 @@ TEST(BleScanInfoFilters, PipelineRefusesEmptyInputAndSurvivesExtremeTimes) {
   LogCapture capture;
   EXPECT_TRUE(Filters::filter({}, infoCount).empty());
   EXPECT_TRUE(infoCount.empty());
-  EXPECT_EQ(capture.messages(), (Ids{"infos is null or empty"}));
+  EXPECT_EQ(tagged(capture), (Ids{"E:infos is null or empty"}));
   Filters::filter({plain(0, LLONG_MIN), plain(1, LLONG_MAX)}, infoCount);
   EXPECT_EQ(infoCount[1], 2);  // the age wraps like the hardware: LLONG_MAX - LLONG_MIN is -1
 }

@@ -6,6 +6,7 @@
 
 #include "support/filter_records.h"
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -57,8 +58,8 @@ TEST(ConfidenceCalculator, RefusesEmptyAndOversizedInput) {
   EXPECT_EQ(ConfidenceCalculator(infos).getNewConfidence(4999), 1.0);
   infos.push_back(makeRecord(0, 0));
   EXPECT_EQ(ConfidenceCalculator(infos).getNewConfidence(0), 0.0);
-  EXPECT_EQ(capture.messages(corvex_test::kError),
-            (corvex_test::Ids{"infos is null or empty!", "infos size > 5000"}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (corvex_test::Ids{"E:infos is null or empty!", "E:infos size > 5000"}));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "support/filter_records.h"
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -36,8 +37,8 @@ TEST(ConfidenceFilter, SortsDescendingAndTrimsTheLowTailDownToMinItems) {
   corvex_test::LogCapture capture;
   EXPECT_TRUE(ConfidenceFilter::filter({}, 1, 0.5).empty());
   EXPECT_TRUE(ConfidenceFilter::filter({corvex_test::makeRecord(0, 0)}, 0, 0.5).empty());
-  EXPECT_EQ(capture.messages(),
-            (corvex_test::Ids{"infos == null or is empty", "minItems can't less than 1"}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (corvex_test::Ids{"E:infos == null or is empty", "E:minItems can't less than 1"}));
 }
 
 }  // namespace

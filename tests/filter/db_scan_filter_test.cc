@@ -6,6 +6,7 @@
 
 #include "support/filter_records.h"
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -22,7 +23,8 @@ TEST(DBScanFilter, ClustersWithTheGivenRadiusAndRefusesBadInput) {
   corvex_test::LogCapture capture;
   EXPECT_TRUE(DBScanFilter::filter({}, 1, 10).empty());
   EXPECT_TRUE(DBScanFilter::filter(infos, 0, 400.0).empty());
-  EXPECT_EQ(capture.messages(), (Ids{"infos == null or is empty", "minPts can't less than 1"}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (Ids{"E:infos == null or is empty", "E:minPts can't less than 1"}));
 }
 
 }  // namespace

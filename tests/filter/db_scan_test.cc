@@ -11,6 +11,7 @@
 #include "support/filter_records.h"
 #include "support/literal_db_scan.h"
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -57,8 +58,8 @@ TEST(DbScan, TrickyCases) {
   EXPECT_EQ(clustered(10, -3, {0, 1}), "");
   EXPECT_EQ(clustered(kNaN, 1, {0, 0}), "");
   EXPECT_EQ(clustered(10, 1, {}), "");
-  EXPECT_EQ(capture.messages(),
-            (Ids{"DBSCAN eps error. eps = -1.000000", "DBSCAN minPts error. minPts = -3"}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (Ids{"I:DBSCAN eps error. eps = -1.000000", "I:DBSCAN minPts error. minPts = -3"}));
   BleScanInfoWithConfidence notSelf = at(0, "n", 1);
   notSelf.setConfidence(kNaN);  // not == to itself, so its own neighbour
   EXPECT_EQ(idsOf(Scan(10, 1).cluster({notSelf})), (std::vector<Ids>{{"n"}}));

@@ -12,6 +12,7 @@
 #include "geometry/distance_utils.h"
 #include "support/filter_records.h"
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -42,7 +43,8 @@ TEST(DistanceOffsetFilter, StripsFarthestOldestOrLeastTrustedUntilTheSpreadIsSma
   corvex_test::LogCapture capture;
   EXPECT_TRUE(Filter::filterByDistance({}, 1, 1).empty());
   EXPECT_TRUE(Filter::filterByTime(infos, 0, 1).empty());
-  EXPECT_EQ(capture.messages(), (Ids{"infos is null or empty", "minItems can't less than 1"}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (Ids{"E:infos is null or empty", "E:minItems can't less than 1"}));
 }
 
 TEST(DistanceOffsetFilter, FilterByDistanceMatchesTheLiteralLoop) {

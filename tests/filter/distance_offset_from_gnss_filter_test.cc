@@ -4,6 +4,7 @@
 
 #include "support/filter_records.h"
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -29,9 +30,10 @@ TEST(DistanceOffsetFromGnssFilter, KeepsRecordsCloserThan75MetresToCohesiveGnss)
   EXPECT_EQ(idsOf(DistanceOffsetFromGnssFilter::filter({proactive(0, "g1"), proactive(61, "g2")})),
             (Ids{"g1", "g2"}));
   EXPECT_TRUE(DistanceOffsetFromGnssFilter::filter({}).empty());
-  EXPECT_EQ(capture.messages(), (Ids{"checkCohesion infos.size() = 1, bypass",
-                                     "checkCohesion stdPointError(infos) = 30.500000, bypass",
-                                     "infos is null or empty"}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (Ids{"I:checkCohesion infos.size() = 1, bypass",
+                 "I:checkCohesion stdPointError(infos) = 30.500000, bypass",
+                 "E:infos is null or empty"}));
 }
 
 }  // namespace

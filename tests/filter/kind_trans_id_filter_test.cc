@@ -6,13 +6,13 @@
 
 #include "support/filter_records.h"
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
 
 using corvex_test::Ids;
 using corvex_test::idsOf;
-using corvex_test::LogLine;
 
 BleScanInfoWithConfidence ofKind(std::string const& kind, double newConfidence, char const* id) {
   BleScanInfoWithConfidence info = corvex_test::makeRecord(0, 0, 0, 0, 0.5, id);
@@ -28,9 +28,8 @@ TEST(KindTransIDFilter, KeepsRecordsWithoutKindThenTheBestOfEachKindInKeyOrder) 
                                              ofKind("A", 0.7, "a-high"), ofKind("a", 0.1, "a")})),
             (Ids{"zero", "none", "a-high", "b", "a"}));
   EXPECT_TRUE(KindTransIDFilter::filter({}).empty());
-  EXPECT_EQ(capture.lines(),
-            (std::vector<LogLine>{{corvex_test::kInfo, "kindTransID A, num: 2"},
-                                  {corvex_test::kError, "infos == null or empty"}}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (Ids{"I:kindTransID A, num: 2", "E:infos == null or empty"}));
 }
 
 }  // namespace
