@@ -143,68 +143,49 @@ TEST(KmeansPositionCalculator, RefusesEmptyAndOversizedInput) {
 // Each way of falling back to the newest phone position: its place, the newest scan time as
 // run time stamp, no time stamp and no accuracy.
 TEST(KmeansPositionCalculator, FallsBackToTheNewestPhonePosition) {
-  struct Expected {
-    double lon, lat;
-    long long newest;
-  };
-  struct Case {
-    char const* name;
-    Infos infos;
-    ErrorCode code;
-    Expected expected;
-    Lines log;
-  } const cases[] = {
-      {"no accurate fix",
-       {makeInfo(5, 1, 2, 0.9, 100.5f), makeInfo(6, 3, 4, 0.9, 150)},
-       ErrorCode::FILTERED_ALL_INFOS,
-       {3, 4, 6},
-       {"I: offlineLocationList size: 2", "I: preprocessedOfflineLocation is empty"}},
-      {"nothing measurable",
-       {makeInfo(7, 5, NAN)},
-       ErrorCode::FILTERED_ALL_INFOS,
-       {5, NAN, 7},
-       {"I: offlineLocationList size: 1", "I:getFilteredPointList",
-        "I:applyDbScanInner: result size 0", "E:dbscanResult is empty.", "I: Old DBScan after: 0",
-        "I: filteredPointList is empty"}},
-      {"three newest outside the group",
-       {makeInfo(10, 10, 10), makeInfo(9, 20, 20), makeInfo(8, 30, 30), makeInfo(4, 0, 0),
-        makeInfo(3, 0, 0.0001), makeInfo(2, 0, 0.0002), makeInfo(1, 0.0001, 0)},
-       ErrorCode::SUCCESS,
-       {10, 10, 10},
-       {"I: offlineLocationList size: 7", "I:getFilteredPointList", "I:applyDbScanInner: 1",
-        "I:applyDbScanInner: 1", "I:applyDbScanInner: 1", "I:applyDbScanInner: 4",
-        "I:applyDbScanInner: result size 4", "I: Old DBScan after: 4", "I: TAG is moving."}},
-      {"group too small",
-       {makeInfo(10, 0, 0), makeInfo(9, 0, 0.0001), makeInfo(8, 0.0001, 0), makeInfo(4, 10, 10),
-        makeInfo(3, 20, 20), makeInfo(2, 30, 30), makeInfo(1, 40, 40)},
-       ErrorCode::SUCCESS,
-       {0, 0, 10},
-       {"I: offlineLocationList size: 7", "I:getFilteredPointList", "I:applyDbScanInner: 3",
-        "I:applyDbScanInner: 1", "I:applyDbScanInner: 1", "I:applyDbScanInner: 1",
-        "I:applyDbScanInner: 1", "I:applyDbScanInner: result size 5", "I: Old DBScan after: 3",
-        "I: successRatio too low: 0.428571"}},
-      {"centre at the origin",
-       {makeInfo(3, 0, 0)},
-       ErrorCode::ALGORITHM_RUNNING_FAILED,
-       {0, 0, 3},
-       {"I: offlineLocationList size: 1", "I:getFilteredPointList", "I:applyDbScanInner: 1",
-        "I:applyDbScanInner: result size 1", "I: Old DBScan after: 1", "I:getCorePoint",
-        "I:applyKmeansInner", "I:kmeans", "I:points size 1"}},
-  };
-  for (Case const& c : cases) {
-    SCOPED_TRACE(c.name);
-    Infos infos = c.infos;
+  auto const expectFallback = [](char const* why, Infos infos, ErrorCode code, double lon,
+                                 double lat, long long newest, Lines const& log) {
+    SCOPED_TRACE(why);
     corvex_test::LogCapture capture;
     TagBestLocation const result = KmeansPositionCalculator().getPosition(infos);
-    EXPECT_EQ(result.getErrorCode(), c.code);
-    EXPECT_EQ(result.getLon(), c.expected.lon);
-    EXPECT_TRUE(result.getLat() == c.expected.lat ||
-                (std::isnan(result.getLat()) && std::isnan(c.expected.lat)));
-    EXPECT_EQ(result.getRunTimeStamp(), c.expected.newest);
+    EXPECT_EQ(result.getErrorCode(), code);
+    EXPECT_EQ(result.getLon(), lon);
+    EXPECT_TRUE(result.getLat() == lat || (std::isnan(result.getLat()) && std::isnan(lat)));
+    EXPECT_EQ(result.getRunTimeStamp(), newest);
     EXPECT_EQ(result.getTimeStamp(), 0);
     EXPECT_EQ(result.getAcc(), 0.0f);
-    EXPECT_EQ(tagged(capture), c.log);
-  }
+    EXPECT_EQ(tagged(capture), log);
+  };
+  expectFallback("no accurate fix", {makeInfo(5, 1, 2, 0.9, 100.5f), makeInfo(6, 3, 4, 0.9, 150)},
+                 ErrorCode::FILTERED_ALL_INFOS, 3, 4, 6,
+                 {"I: offlineLocationList size: 2", "I: preprocessedOfflineLocation is empty"});
+  expectFallback("nothing measurable", {makeInfo(7, 5, NAN)}, ErrorCode::FILTERED_ALL_INFOS, 5, NAN,
+                 7,
+                 {"I: offlineLocationList size: 1", "I:getFilteredPointList",
+                  "I:applyDbScanInner: result size 0", "E:dbscanResult is empty.",
+                  "I: Old DBScan after: 0", "I: filteredPointList is empty"});
+  expectFallback(
+      "three newest outside the group",
+      {makeInfo(10, 10, 10), makeInfo(9, 20, 20), makeInfo(8, 30, 30), makeInfo(4, 0, 0),
+       makeInfo(3, 0, 0.0001), makeInfo(2, 0, 0.0002), makeInfo(1, 0.0001, 0)},
+      ErrorCode::SUCCESS, 10, 10, 10,
+      {"I: offlineLocationList size: 7", "I:getFilteredPointList", "I:applyDbScanInner: 1",
+       "I:applyDbScanInner: 1", "I:applyDbScanInner: 1", "I:applyDbScanInner: 4",
+       "I:applyDbScanInner: result size 4", "I: Old DBScan after: 4", "I: TAG is moving."});
+  expectFallback(
+      "group too small",
+      {makeInfo(10, 0, 0), makeInfo(9, 0, 0.0001), makeInfo(8, 0.0001, 0), makeInfo(4, 10, 10),
+       makeInfo(3, 20, 20), makeInfo(2, 30, 30), makeInfo(1, 40, 40)},
+      ErrorCode::SUCCESS, 0, 0, 10,
+      {"I: offlineLocationList size: 7", "I:getFilteredPointList", "I:applyDbScanInner: 3",
+       "I:applyDbScanInner: 1", "I:applyDbScanInner: 1", "I:applyDbScanInner: 1",
+       "I:applyDbScanInner: 1", "I:applyDbScanInner: result size 5", "I: Old DBScan after: 3",
+       "I: successRatio too low: 0.428571"});
+  expectFallback(
+      "centre at the origin", {makeInfo(3, 0, 0)}, ErrorCode::ALGORITHM_RUNNING_FAILED, 0, 0, 3,
+      {"I: offlineLocationList size: 1", "I:getFilteredPointList", "I:applyDbScanInner: 1",
+       "I:applyDbScanInner: result size 1", "I: Old DBScan after: 1", "I:getCorePoint",
+       "I:applyKmeansInner", "I:kmeans", "I:points size 1"});
 }
 
 TEST(KmeansPositionCalculator, LocatesTheKmeansCentreOfTheLargestGroup) {
