@@ -14,13 +14,10 @@ BleScanInfoWithConfidence makeInfo(double lon, double lat) {
                                    0.5);
 }
 
-TEST(CoordinateConverter, ReferenceIsTheOrigin) {
+TEST(CoordinateConverter, RecordsRoundTripAroundTheReferenceAndConvertOnlyOnce) {
   EXPECT_EQ(CoordinateConverter::gpsConvertENU(kRef[0], kRef[1], kRef),
             (std::vector<double>{0.0, 0.0}));
   EXPECT_EQ(CoordinateConverter::enuConvertGPS(0, 0, kRef), kRef);
-}
-
-TEST(CoordinateConverter, RecordsRoundTripAndConvertOnlyOnce) {
   std::vector<BleScanInfoWithConfidence> infos = {makeInfo(116.4, 39.9), makeInfo(116.39, 39.93)};
   CoordinateConverter::gnssConvertToEnu(infos, kRef);
   std::vector<double> const enu = CoordinateConverter::gpsConvertENU(116.39, 39.93, kRef);

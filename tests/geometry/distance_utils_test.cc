@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -27,8 +28,8 @@ TEST(DistanceUtils, SquaredDistancesAndMalformedPoints) {
   EXPECT_EQ(DistanceUtils::distSquare(a, std::vector<double>{4, 6}), 25.0);
   EXPECT_EQ(DistanceUtils::distSquare(a, std::vector<double>{4, 6, 8}), 0.0);
   EXPECT_EQ(DistanceUtils::distSquare(std::vector<double>{1}, std::vector<double>{4, 6}), 0.0);
-  EXPECT_EQ(capture.messages(corvex_test::kError),
-            std::vector<std::string>(2, "distSquare(): point is null or illegal"));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            std::vector<std::string>(2, "E:distSquare(): point is null or illegal"));
 }
 
 TEST(DistanceUtils, EmptyListLogsOnceAndGivesNeutralValues) {
@@ -39,8 +40,8 @@ TEST(DistanceUtils, EmptyListLogsOnceAndGivesNeutralValues) {
   EXPECT_EQ(DistanceUtils::meanPointWeight(empty), (std::vector<double>{0, 0}));
   EXPECT_EQ(DistanceUtils::meanPoint(empty), (std::vector<double>{0, 0}));
   EXPECT_EQ(DistanceUtils::stdPointError(empty), 0.0);
-  EXPECT_EQ(capture.messages(corvex_test::kError),
-            std::vector<std::string>(5, "DistanceUtils: points is null or empty"));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            std::vector<std::string>(5, "E:DistanceUtils: points is null or empty"));
 }
 
 TEST(DistanceUtils, CentroidsAndRootMeanSquareSpread) {

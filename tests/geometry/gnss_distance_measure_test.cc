@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -19,14 +20,14 @@ TEST(GnssDistanceMeasure, ValidatesDimensionThenLongitudeThenLatitude) {
   } const cases[] = {
       {{180.0, 90.0}, {}},
       {{-180.0, -90.0}, {}},
-      {{180.0001, 95.0}, {"Longitude illegal"}},
-      {{0.0, -90.0001}, {"Latitude illegal"}},
-      {{0.0}, {"pos is null or dimension != 2"}},
+      {{180.0001, 95.0}, {"E:Longitude illegal"}},
+      {{0.0, -90.0001}, {"E:Latitude illegal"}},
+      {{0.0}, {"E:pos is null or dimension != 2"}},
   };
   for (Case const& c : cases) {
     LogCapture capture;
     EXPECT_EQ(GnssDistanceMeasure::isValid(c.pos), c.errors.empty());
-    EXPECT_EQ(capture.messages(corvex_test::kError), c.errors);
+    EXPECT_EQ(corvex_test::tagged(capture), c.errors);
   }
 }
 
@@ -36,8 +37,8 @@ TEST(GnssDistanceMeasure, GreatCircleOnA6371KmSphere) {
   LogCapture capture;
   EXPECT_EQ(GnssDistanceMeasure::compute({200, 0}, {0}), 0.0);  // b is not examined
   EXPECT_EQ(GnssDistanceMeasure::compute({0, 0}, {0, -91}), 0.0);
-  EXPECT_EQ(capture.messages(),
-            (std::vector<std::string>{"Longitude illegal", "Latitude illegal"}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (std::vector<std::string>{"E:Longitude illegal", "E:Latitude illegal"}));
 }
 
 }  // namespace

@@ -2,15 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
 
 using corvex_test::LogCapture;
-using corvex_test::LogLine;
 
 BleScanInfoWithConfidence makeInfo(int locationType, double confidence = 0.5, double x = 0) {
   return BleScanInfoWithConfidence(BlueToothRecord(1, -60), LastLocation(x, 0, 1, locationType, 1),
@@ -47,10 +48,9 @@ TEST(GnssUtils, CohesionAllowsSpreadUpToThirty) {
   EXPECT_TRUE(capture.lines().empty());
   EXPECT_FALSE(GnssUtils::checkCohesion({makeInfo(1, 0.5, 0), makeInfo(1, 0.5, 61)}));
   EXPECT_FALSE(GnssUtils::checkCohesion({makeInfo(1)}));
-  EXPECT_EQ(capture.lines(),
-            (std::vector<LogLine>{
-                {corvex_test::kInfo, "checkCohesion stdPointError(infos) = 30.500000, bypass"},
-                {corvex_test::kInfo, "checkCohesion infos.size() = 1, bypass"}}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (std::vector<std::string>{"I:checkCohesion stdPointError(infos) = 30.500000, bypass",
+                                      "I:checkCohesion infos.size() = 1, bypass"}));
 }
 
 TEST(GnssUtils, EmptyListLogsOnceAndGivesNeutralValues) {
@@ -60,8 +60,8 @@ TEST(GnssUtils, EmptyListLogsOnceAndGivesNeutralValues) {
   EXPECT_FALSE(GnssUtils::isOutDoor(empty));
   EXPECT_TRUE(GnssUtils::getGnssProactiveList(empty).empty());
   EXPECT_FALSE(GnssUtils::checkCohesion(empty));
-  EXPECT_EQ(capture.lines(),
-            std::vector<LogLine>(4, {corvex_test::kError, "infos == null or is empty"}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            std::vector<std::string>(4, "E:infos == null or is empty"));
 }
 
 }  // namespace

@@ -2,15 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
 
 using corvex_test::LogCapture;
-using corvex_test::LogLine;
 
 TEST(NormalDistance, EuclideanOverAllEntriesZeroOnLengthMismatch) {
   NormalDistance distance;
@@ -20,8 +21,7 @@ TEST(NormalDistance, EuclideanOverAllEntriesZeroOnLengthMismatch) {
   EXPECT_EQ(measure.compute({}, {}), 0.0);
   EXPECT_TRUE(capture.lines().empty());
   EXPECT_EQ(measure.compute({0, 0}, {3, 4, 5}), 0.0);
-  EXPECT_EQ(capture.lines(),
-            (std::vector<LogLine>{{corvex_test::kError, "checkEqualLength error"}}));
+  EXPECT_EQ(corvex_test::tagged(capture), std::vector<std::string>{"E:checkEqualLength error"});
 }
 
 }  // namespace

@@ -2,15 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
 
 using corvex_test::LogCapture;
-using corvex_test::LogLine;
 
 TEST(SimpleRssiToDistanceConverter, LogDistanceModelOverTheClosedRange) {
   LogCapture capture;
@@ -23,10 +24,9 @@ TEST(SimpleRssiToDistanceConverter, LogDistanceModelOverTheClosedRange) {
   EXPECT_EQ(SimpleRssiToDistanceConverter::convert(0.1), 0.0);
   EXPECT_EQ(SimpleRssiToDistanceConverter::convert(-128.5), 0.0);
   EXPECT_EQ(
-      capture.lines(),
-      (std::vector<LogLine>{
-          {corvex_test::kError, "rssi 0.100000 out of range! Must be -128 <= rssi < 0 !"},
-          {corvex_test::kError, "rssi -128.500000 out of range! Must be -128 <= rssi < 0 !"}}));
+      corvex_test::tagged(capture),
+      (std::vector<std::string>{"E:rssi 0.100000 out of range! Must be -128 <= rssi < 0 !",
+                                "E:rssi -128.500000 out of range! Must be -128 <= rssi < 0 !"}));
 }
 
 }  // namespace
