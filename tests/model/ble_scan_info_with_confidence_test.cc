@@ -23,7 +23,7 @@ TEST(BleScanInfoWithConfidence, KindTransIdConstructorMarksMissingArStatus) {
   EXPECT_EQ(info.getPoint(), (std::vector<double>{1.5, 2.5}));
 }
 
-TEST(BleScanInfoWithConfidence, OrdersByRecordThenScores) {
+TEST(BleScanInfoWithConfidence, OrdersByRecordThenScoresPassingOverNaN) {
   EXPECT_TRUE(makeInfo(1, "B", 0.1) < makeInfo(2, "A", 0.9));
   EXPECT_TRUE(makeInfo(5, "A", 0.9) < makeInfo(5, "B", 0.1));
 
@@ -43,9 +43,7 @@ TEST(BleScanInfoWithConfidence, OrdersByRecordThenScores) {
     EXPECT_FALSE(raised < base) << i;
     EXPECT_FALSE(base == raised) << i;
   }
-}
-
-TEST(BleScanInfoWithConfidence, NanConfidenceIsSkippedAndUnequalToItself) {
+  // A NaN confidence decides nothing, and its record is unequal to itself.
   BleScanInfoWithConfidence a = makeInfo(5, "A", std::numeric_limits<double>::quiet_NaN());
   BleScanInfoWithConfidence b = a;
   b.setNewConfidence(0.3);

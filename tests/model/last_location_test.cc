@@ -59,9 +59,7 @@ TEST(LastLocation, OrdersByItsOwnFieldListIgnoringFloorInfo) {
   otherFloor.setFloorInfo("F2");
   EXPECT_TRUE(base == otherFloor);
   EXPECT_FALSE(base < otherFloor || otherFloor < base);
-}
-
-TEST(LastLocation, NanFieldPassesTheDecisionOn) {
+  // A NaN field passes the decision on, and its location is unequal to itself.
   double const nan = std::numeric_limits<double>::quiet_NaN();
   LastLocation a(1.0, nan, 0, 0, 0);
   LastLocation b(2.0, nan, 0, 0, 0);
