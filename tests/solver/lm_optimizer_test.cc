@@ -60,6 +60,7 @@ TEST(LMOptimizer, ConvergesOnExactRangesWithoutLoggingAndRepeatably) {
     OptimizerResult const again = optimizer.optimize(problem);
     EXPECT_EQ(again.getPoint(), result.getPoint());
     EXPECT_EQ(again.getResiduals(), result.getResiduals());
+    EXPECT_EQ(again.getEvaluations(), c.evaluations);
   }
 }
 

@@ -4,16 +4,17 @@
 
 #include <cmath>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "solver/function_model.h"
 #include "solver/tag_value_and_jacobian_function.h"
 #include "support/log_capture.h"
+#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
 
-using corvex_test::kError;
 using corvex_test::Matrix;
 using corvex_test::Vector;
 
@@ -50,10 +51,10 @@ TEST(LSProblem, MissingModelIsReportedAndEvaluatesToNothing) {
   EXPECT_TRUE(estimation.getJacobian().empty());
   EXPECT_EQ(estimation.getCost(), 0.0);
   EXPECT_TRUE(std::isnan(estimation.getRMS()));
-  EXPECT_EQ(capture.messages(kError),
-            (std::vector<std::string>{"LocalLeastSquaresProblem input error",
-                                      "LocalLeastSquaresProblem model == NULL",
-                                      "checkVectorDimensions 0,0"}));
+  EXPECT_EQ(corvex_test::tagged(capture),
+            (std::vector<std::string>{"E:LocalLeastSquaresProblem input error",
+                                      "E:LocalLeastSquaresProblem model == NULL",
+                                      "E:checkVectorDimensions 0,0"}));
 }
 
 }  // namespace
