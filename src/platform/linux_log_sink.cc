@@ -100,8 +100,10 @@ int LinuxLogSink::parseLevel(const char* name) {
     const char* name;
     int level;
   };
-  static const Named kLevels[] = {{"debug", kPlatformLogDebug}, {"info", kPlatformLogInfo},
-                                  {"warn", kPlatformLogWarn},   {"error", kPlatformLogError},
+  static const Named kLevels[] = {{"debug", kPlatformLogDebug},
+                                  {"info", kPlatformLogInfo},
+                                  {"warn", kPlatformLogWarn},
+                                  {"error", kPlatformLogError},
                                   {"off", kPlatformLogOff}};
   for (const Named& entry : kLevels) {
     if (std::strcmp(name, entry.name) == 0) {
@@ -125,8 +127,7 @@ std::string LinuxLogSink::formatLine(int level, unsigned int domain, const char*
   return line;
 }
 
-void LinuxLogSink::write(int level, unsigned int domain, const char* tag,
-                         std::string const& text) {
+void LinuxLogSink::write(int level, unsigned int domain, const char* tag, std::string const& text) {
   if (!keeps(level)) {
     return;
   }
@@ -147,8 +148,8 @@ void LinuxLogSink::write(int level, unsigned int domain, const char* tag,
   }
 }
 
-int PlatformLogPrint(int /*type*/, int level, unsigned int domain, const char* tag,
-                     const char* fmt, ...) {
+int PlatformLogPrint(int /*type*/, int level, unsigned int domain, const char* tag, const char* fmt,
+                     ...) {
   va_list args;
   va_start(args, fmt);
   std::string text = formatArguments(fmt, args);
