@@ -6,92 +6,57 @@
 #include <vector>
 
 #include "calculator/corvex_tag_position_calculator.h"
+#include "support/calculator_scan.h"
 #include "support/log_capture.h"
 
 namespace Vantis::Location {
 namespace {
 
+using corvex_test::Scan;
 using Calculator = CorvexTagPositionCalculator;
 using Infos = std::vector<BleScanInfoWithConfidence>;
 
 constexpr long long kMin = std::numeric_limits<long long>::min();
 constexpr long long kMax = std::numeric_limits<long long>::max();
 
-// A record in the local plane (metres).
-BleScanInfoWithConfidence planeRecord(double north, long long timeStamp, int sourceType = 3,
-                                      double confidence = 0.81) {
-  BleScanInfoWithConfidence info(BlueToothRecord(timeStamp, -70),
-                                 LastLocation(0, north, 5.0f, 1, sourceType), 0, 0, confidence);
-  info.getLastLocation().setEnu(true);
-  return info;
-}
-
 TagBestLocation resultAt(double lon, double lat, long long timeStamp) {
   return TagBestLocation(lon, lat, timeStamp, 1.0, 0.0f);
 }
 
-TEST(CorvexTagPositionCalculator, OutlierNeedsAllFourConditions) {
-  struct Case {
-    char const* name;
-    long long age;
-    double distance;
-    int sourceType;
-    double confidence;
-    bool outlier;
-  };
-  Case const cases[] = {
-      {"all four hold", 1800001, 101, 3, 0.81, true},
-      {"exactly 30 minutes newer", 1800000, 101, 3, 0.81, false},
-      {"exactly 100 m away", 1800001, 100, 3, 0.81, false},
-      {"another source type", 1800001, 101, 1, 0.81, false},
-      {"confidence exactly 0.8", 1800001, 101, 3, 0.8, false},
-  };
-  for (Case const& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(
-        Calculator::checkOutlier(resultAt(0, 0, 1000),
-                                 planeRecord(c.distance, 1000 + c.age, c.sourceType, c.confidence)),
-        c.outlier);
+// The result at the origin of the plane at time 0; scans oldest first, as x, y (metres), time,
+// rssi, confidence, newConfidence, acc, sourceType.
+void expectMoved(char const* name, std::vector<Scan> const& scans, bool moved) {
+  Infos infos;
+  for (Scan const& scan : scans) {
+    infos.push_back(scan.inPlane());
   }
-  // The age wraps as two's complement instead of overflowing.
-  EXPECT_FALSE(Calculator::checkOutlier(resultAt(0, 0, kMin), planeRecord(200, kMax)));
-  EXPECT_TRUE(Calculator::checkOutlier(resultAt(0, 0, 1), planeRecord(200, kMin)));
+  EXPECT_EQ(Calculator::checkMoved(infos, resultAt(0, 0, 0)), moved) << name;
 }
 
-TEST(CorvexTagPositionCalculator, MovedWhenTheTwoNewestScansAreFar) {
-  struct Case {
-    char const* name;
-    std::vector<double> norths;  // oldest first
-    bool moved;
-  };
-  Case const cases[] = {
-      {"newest far, second near", {450, 390, 450}, false},
-      {"both newest far", {0, 450, 450}, true},
-      {"a single far scan", {450}, true},
-      {"newest exactly 400 m", {900, 900, 400}, false},
-      {"second exactly 400 m", {400, 401}, false},
-      {"no scans", {}, true},
-  };
-  for (Case const& c : cases) {
-    SCOPED_TRACE(c.name);
-    Infos infos;
-    for (double const north : c.norths) {
-      infos.push_back(planeRecord(north, 1000, 1));
-    }
-    EXPECT_EQ(Calculator::checkMoved(infos, resultAt(0, 0, 1000)), c.moved);
-  }
-  // A newest outlier means moved even within 400 m.
-  Infos infos = {planeRecord(0, 1000, 1), planeRecord(150, 1000 + 1800001)};
-  EXPECT_TRUE(Calculator::checkMoved(infos, resultAt(0, 0, 1000)));
-  infos.back().setConfidence(0.8);
-  EXPECT_FALSE(Calculator::checkMoved(infos, resultAt(0, 0, 1000)));
+TEST(CorvexTagPositionCalculator, MovedWhenTheNewestIsAnOutlierOrTheTwoNewestAreFar) {
+  // An outlier is over 30 minutes newer, over 100 m away, of source type 3 and trusted over 0.8.
+  expectMoved("outlier", {{0, 0}, {0, 101, 1800001, -70, 0.81, 0, 5, 3}}, true);
+  expectMoved("exactly 30 minutes newer", {{0, 0}, {0, 101, 1800000, -70, 0.81, 0, 5, 3}}, false);
+  expectMoved("exactly 100 m away", {{0, 0}, {0, 100, 1800001, -70, 0.81, 0, 5, 3}}, false);
+  expectMoved("another source type", {{0, 0}, {0, 101, 1800001, -70, 0.81, 0, 5, 1}}, false);
+  expectMoved("confidence exactly 0.8", {{0, 0}, {0, 101, 1800001, -70, 0.8, 0, 5, 3}}, false);
+  expectMoved("newest far, second near", {{0, 450}, {0, 390}, {0, 450}}, false);
+  expectMoved("both newest far", {{0, 0}, {0, 450}, {0, 450}}, true);
+  expectMoved("a single far scan", {{0, 450}}, true);
+  expectMoved("newest exactly 400 m", {{0, 900}, {0, 900}, {0, 400}}, false);
+  expectMoved("second exactly 400 m", {{0, 400}, {0, 401}}, false);
+  expectMoved("no scans", {}, true);
+  // The age wraps as two's complement instead of overflowing.
+  Scan const far = {0, 200, kMax, -70, 0.81, 0, 5, 3};
+  EXPECT_FALSE(Calculator::checkOutlier(resultAt(0, 0, kMin), far.inPlane()));
+  EXPECT_TRUE(Calculator::checkOutlier(resultAt(0, 0, 1),
+                                       Scan{0, 200, kMin, -70, 0.81, 0, 5, 3}.inPlane()));
 }
 
 TEST(CorvexTagPositionCalculator, RunTimeStampIsTheNewestScanWithin100Metres) {
-  Infos infos = {planeRecord(99.9, 3000), planeRecord(0, 2000), planeRecord(500, 8000)};
-  BleScanInfoWithConfidence atHundred = planeRecord(80, 9000);
-  atHundred.getLastLocation().setLon(60);  // exactly 100 m: too far
-  infos.push_back(atHundred);
+  // The last scan is exactly 100 m away: too far.
+  Infos const infos = {Scan{0, 99.9, 3000}.inPlane(), Scan{0, 0, 2000}.inPlane(),
+                       Scan{0, 500, 8000}.inPlane(), Scan{60, 80, 9000}.inPlane()};
   EXPECT_EQ(Calculator::getRunTimeStamp(infos, resultAt(0, 0, 1000)), 3000);
   // Older scans never lower the result's own time stamp.
   EXPECT_EQ(Calculator::getRunTimeStamp(infos, resultAt(0, 0, 5000)), 5000);
@@ -102,21 +67,13 @@ constexpr double kLon = 116.397128;
 constexpr double kLat = 39.916527;
 constexpr long long kRunTime = 100000000;
 
-struct IndoorRecord {
-  std::string geoId = "B1";
-  int floorId = 3;
-  int floorAcc = 10;
-  int rssi = -85;
-  double confidence = 0.8;
-  double northDegrees = 0.0;
-  long long age = 0;
-};
-
-BleScanInfoWithConfidence indoorRecord(IndoorRecord const& r) {
-  LastLocation location(kLon, kLat + r.northDegrees, 5.0f, 0, 0);
-  location.setIndoorInfo(1, r.geoId, r.floorId, r.floorAcc, "F" + std::to_string(r.floorId));
-  return BleScanInfoWithConfidence(BlueToothRecord(kRunTime - r.age, r.rssi), location, 0, 0,
-                                   r.confidence);
+BleScanInfoWithConfidence indoor(std::string const& geoId, int floorId, int floorAcc,
+                                 int rssi = -85, double confidence = 0.8, double north = 0.0,
+                                 long long age = 0) {
+  BleScanInfoWithConfidence info =
+      Scan{kLon, kLat + north, kRunTime - age, rssi, confidence}.inDegrees();
+  info.getLastLocation().setIndoorInfo(1, geoId, floorId, floorAcc, "F" + std::to_string(floorId));
+  return info;
 }
 
 TagBestLocation degreeResult(long long runTimeStamp = kRunTime) {
@@ -128,93 +85,74 @@ TagBestLocation degreeResult(long long runTimeStamp = kRunTime) {
 TEST(CorvexTagPositionCalculator, IndoorCandidatesMustPassEveryTest) {
   struct Case {
     char const* name;
-    void (*change)(IndoorRecord&);
+    BleScanInfoWithConfidence record;  // geoId, floorId, floorAcc, rssi, confidence, north
+                                       // (degrees), age (ms)
     bool candidate;
   };
   Case const cases[] = {
-      {"at every bound", [](IndoorRecord&) {}, true},
-      {"no building", [](IndoorRecord& r) { r.geoId = ""; }, false},
-      {"building null", [](IndoorRecord& r) { r.geoId = "null"; }, false},
-      {"no floor", [](IndoorRecord& r) { r.floorId = -100; }, false},
-      {"floorAcc 9", [](IndoorRecord& r) { r.floorAcc = 9; }, false},
-      {"rssi -86", [](IndoorRecord& r) { r.rssi = -86; }, false},
-      {"confidence 0.79", [](IndoorRecord& r) { r.confidence = 0.79; }, false},
-      {"about 89 m away", [](IndoorRecord& r) { r.northDegrees = 0.0008; }, true},
-      {"about 111 m away", [](IndoorRecord& r) { r.northDegrees = 0.001; }, false},
-      {"7199999 ms old", [](IndoorRecord& r) { r.age = 7199999; }, true},
-      {"two hours old", [](IndoorRecord& r) { r.age = 7200000; }, false},
-      {"two hours ahead", [](IndoorRecord& r) { r.age = -7200000; }, false},
+      {"at every bound", indoor("B1", 3, 10), true},
+      {"no building", indoor("", 3, 10), false},
+      {"building null", indoor("null", 3, 10), false},
+      {"no floor", indoor("B1", -100, 10), false},
+      {"floorAcc 9", indoor("B1", 3, 9), false},
+      {"rssi -86", indoor("B1", 3, 10, -86), false},
+      {"confidence 0.79", indoor("B1", 3, 10, -85, 0.79), false},
+      {"about 89 m away", indoor("B1", 3, 10, -85, 0.8, 0.0008), true},
+      {"about 111 m away", indoor("B1", 3, 10, -85, 0.8, 0.001), false},
+      {"7199999 ms old", indoor("B1", 3, 10, -85, 0.8, 0, 7199999), true},
+      {"two hours old", indoor("B1", 3, 10, -85, 0.8, 0, 7200000), false},
+      {"two hours ahead", indoor("B1", 3, 10, -85, 0.8, 0, -7200000), false},
       // An illegal position measures 0.0 m (with an error line) and so stays a candidate.
-      {"latitude beyond 90", [](IndoorRecord& r) { r.northDegrees = 100.0; }, true},
+      {"latitude beyond 90", indoor("B1", 3, 10, -85, 0.8, 100.0), true},
   };
   for (Case const& c : cases) {
-    SCOPED_TRACE(c.name);
-    IndoorRecord record;
-    c.change(record);
     Infos out;
-    Calculator::filterIndoor(degreeResult(), {indoorRecord(record)}, out);
-    EXPECT_EQ(out.size(), c.candidate ? 1u : 0u);
+    Calculator::filterIndoor(degreeResult(), {c.record}, out);
+    EXPECT_EQ(out.size(), c.candidate ? 1u : 0u) << c.name;
   }
   // The distance is measured, and may log, only for records that passed the other tests; the
   // time window wraps as two's complement at the limits.
-  IndoorRecord weak;
-  weak.northDegrees = 100.0;
-  weak.rssi = -90;
-  IndoorRecord atTimeZero;
-  atTimeZero.age = kRunTime;
   corvex_test::LogCapture capture;
   Infos out;
-  Calculator::filterIndoor(degreeResult(kMin), {indoorRecord(weak), indoorRecord(atTimeZero)}, out);
+  Calculator::filterIndoor(
+      degreeResult(kMin),
+      {indoor("B1", 3, 10, -90, 0.8, 100.0), indoor("B1", 3, 10, -85, 0.8, 0, kRunTime)}, out);
   EXPECT_EQ(out.size(), 1u);
   EXPECT_TRUE(capture.lines().empty());
 }
 
-Infos indoorRecords(std::vector<std::string> const& geoIds, std::vector<int> const& floorIds,
-                    std::vector<int> const& floorAccs) {
+// Votes over candidates with these buildings, floors and floor accuracies.
+void expectVote(char const* name, std::vector<std::string> const& geoIds,
+                std::vector<int> const& floorIds, std::vector<int> const& floorAccs,
+                std::string const& geoId, int floorId, int floorAcc) {
+  SCOPED_TRACE(name);
   Infos infos;
   for (std::size_t i = 0; i < geoIds.size(); ++i) {
-    IndoorRecord r;
-    r.geoId = geoIds[i];
-    r.floorId = floorIds[i];
-    r.floorAcc = floorAccs[i];
-    infos.push_back(indoorRecord(r));
+    infos.push_back(indoor(geoIds[i], floorIds[i], floorAccs[i]));
   }
-  return infos;
+  TagBestLocation result = degreeResult();
+  result.setFloorInfo("kept");
+  Calculator::setResultIndoorInfo(result, infos);
+  EXPECT_EQ(result.getIndoorFlag(), geoId.empty() ? 0 : 1);
+  EXPECT_EQ(result.getGeoId(), geoId);
+  EXPECT_EQ(result.getFloorId(), floorId);
+  EXPECT_EQ(result.getFloorAcc(), floorAcc);
+  EXPECT_EQ(result.getFloorInfo(), "kept");
 }
 
 TEST(CorvexTagPositionCalculator, IndoorVoteTakesBuildingThenFloor) {
   int const big = std::numeric_limits<int>::max();
-  struct Case {
-    char const* name;
-    Infos infos;
-    std::string geoId;  // empty: no indoor information
-    int floorId;
-    int floorAcc;
-  };
-  Case const cases[] = {
-      {"tied buildings: first in byte order",
-       indoorRecords({"B", "A", "B", "A"}, {1, 2, 1, 2}, {10, 20, 30, 40}), "A", 2, 30},
-      {"tied floors: the lowest",
-       indoorRecords({"A", "A", "A", "A"}, {2, 3, 3, 2}, {10, 12, 14, 11}), "A", 2, 10},
-      {"floor within the winning building",
-       indoorRecords({"A", "B", "B", "A", "B"}, {5, 7, 7, 4, 4}, {10, 10, 10, 10, 10}), "B", 7, 10},
-      {"floor accuracy summed as 32 bits", indoorRecords({"A", "A"}, {1, 1}, {big, big}), "A", 1,
-       -1},
-      {"no candidates", {}, "", -100, 0},
-      {"no known floor", indoorRecords({"A"}, {-100}, {10}), "", -100, 0},
-      {"floor 0 wins", indoorRecords({"A", "A", "A"}, {0, 0, 1}, {10, 10, 10}), "", -100, 0},
-  };
-  for (Case const& c : cases) {
-    SCOPED_TRACE(c.name);
-    TagBestLocation result = degreeResult();
-    result.setFloorInfo("kept");
-    Calculator::setResultIndoorInfo(result, c.infos);
-    EXPECT_EQ(result.getIndoorFlag(), c.geoId.empty() ? 0 : 1);
-    EXPECT_EQ(result.getGeoId(), c.geoId);
-    EXPECT_EQ(result.getFloorId(), c.floorId);
-    EXPECT_EQ(result.getFloorAcc(), c.floorAcc);
-    EXPECT_EQ(result.getFloorInfo(), "kept");
-  }
+  expectVote("tied buildings: first in byte order", {"B", "A", "B", "A"}, {1, 2, 1, 2},
+             {10, 20, 30, 40}, "A", 2, 30);
+  expectVote("tied floors: the lowest", {"A", "A", "A", "A"}, {2, 3, 3, 2}, {10, 12, 14, 11}, "A",
+             2, 10);
+  expectVote("floor within the winning building", {"A", "B", "B", "A", "B"}, {5, 7, 7, 4, 4},
+             {10, 10, 10, 10, 10}, "B", 7, 10);
+  expectVote("floor accuracy summed as 32 bits", {"A", "A"}, {1, 1}, {big, big}, "A", 1, -1);
+  // No indoor information: no candidates, no known floor, or floor 0 wins.
+  expectVote("no candidates", {}, {}, {}, "", -100, 0);
+  expectVote("no known floor", {"A"}, {-100}, {10}, "", -100, 0);
+  expectVote("floor 0 wins", {"A", "A", "A"}, {0, 0, 1}, {10, 10, 10}, "", -100, 0);
 }
 
 TEST(CorvexTagPositionCalculator, MostOccurrencesPrefersTheSmallestOnTies) {

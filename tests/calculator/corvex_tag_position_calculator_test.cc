@@ -1,5 +1,5 @@
-// The main calculator's flow: input checks, scoring, the choice of algorithm, the default result
-// on failures, and whole scenarios with their measured error.
+// The main calculator's flow: input checks, the choice of algorithm, the default result on
+// failures, and whole scenarios with their measured error.
 #include "calculator/corvex_tag_position_calculator.h"
 
 #include <gtest/gtest.h>
@@ -14,16 +14,20 @@
 #include "calculator/kmeans_position_calculator.h"
 #include "geometry/coordinate_converter.h"
 #include "geometry/gnss_distance_measure.h"
+#include "support/calculator_scan.h"
 #include "support/log_capture.h"
 
 namespace Vantis::Location {
 namespace {
 
+using corvex_test::describe;
 using corvex_test::kError;
 using corvex_test::kInfo;
 using corvex_test::LogCapture;
 using corvex_test::LogLine;
+using corvex_test::Scan;
 using Infos = std::vector<BleScanInfoWithConfidence>;
+using Lines = std::vector<LogLine>;
 
 constexpr double kTagLon = 116.397128;
 constexpr double kTagLat = 39.916527;
@@ -32,215 +36,149 @@ constexpr long long kMinute = 60000;
 // The local plane uses a 6378137 m earth, the distance measure a 6371000 m one.
 constexpr double kMeasuredPerPlaneMetre = 6371000.0 / 6378137.0;
 
-struct Scan {
-  double east = 0.0;  // metres from the tag
-  double north = 0.0;
-  long long time = kNow;
-  int rssi = -70;
-  double confidence = 0.9;
-  int locationType = 0;  // 1: satellite fix
-  int sourceType = 0;
-  float acc = 10.0f;
-};
-
-BleScanInfoWithConfidence scan(Scan const& s) {
+// The scan placed s.x metres east and s.y metres north of the tag.
+BleScanInfoWithConfidence nearTag(Scan s) {
   std::vector<double> const lonLat =
-      CoordinateConverter::enuConvertGPS(s.east, s.north, {kTagLon, kTagLat});
-  return BleScanInfoWithConfidence(
-      BlueToothRecord("tag", "AA", s.time, s.rssi),
-      LastLocation(lonLat[0], lonLat[1], s.acc, s.locationType, s.sourceType), 0, 0, s.confidence);
+      CoordinateConverter::enuConvertGPS(s.x, s.y, {kTagLon, kTagLat});
+  s.x = lonLat[0];
+  s.y = lonLat[1];
+  return s.inDegrees();
 }
 
 // Metres from the tag.
-double distanceFromTag(double lon, double lat) {
-  return GnssDistanceMeasure::compute({lon, lat}, {kTagLon, kTagLat});
+double distanceFromTag(TagBestLocation const& result) {
+  return GnssDistanceMeasure::compute({result.getLon(), result.getLat()}, {kTagLon, kTagLat});
 }
 
-// count indoor scans a metre apart along east, one minute apart, the newest last.
-Infos indoorRow(int count) {
+// count scans a metre apart along east, one minute apart, the newest last at kNow.
+Infos row(int count, int rssi = -70, int locationType = 0) {
   Infos infos;
   for (int i = 0; i < count; ++i) {
-    Scan s;
-    s.east = i;
-    s.time = kNow - (count - 1 - i) * kMinute;
-    infos.push_back(scan(s));
+    long long const time = kNow - (count - 1 - i) * kMinute;
+    infos.push_back(nearTag({i * 1.0, 0, time, rssi, 0.9, 0.5, 10, 0, locationType}));
   }
   return infos;
 }
 
-bool contains(std::vector<std::string> const& messages, std::string const& message) {
-  return std::find(messages.begin(), messages.end(), message) != messages.end();
-}
-
-TEST(CorvexTagPositionCalculator, EmptyInputGivesOneErrorLineAndNothingElse) {
-  CorvexTagPositionCalculator calculator;
-  Infos infos;
-  LogCapture capture;
-  TagBestLocation const result = calculator.getPosition(infos);
-  EXPECT_EQ(result.getErrorCode(), ErrorCode::INPUT_INFO_EMPTY);
-  EXPECT_EQ(result.getLon(), 0.0);
-  EXPECT_EQ(result.getTimeStamp(), 0);
-  EXPECT_EQ(capture.lines(), (std::vector<LogLine>{{kError, "infos is null or empty"}}));
-  EXPECT_TRUE(calculator.getFilteredInfos().empty());
-}
-
-// Outdoors, every signal below -120 dBm and one common confidence: every score is 0.
-Infos unscorableRow() {
-  Infos infos = indoorRow(3);
-  for (BleScanInfoWithConfidence& info : infos) {
-    info.getBlueToothRecord().setRssi(-125);
-    info.getLastLocation().setLocationType(1);
-    info.setConfidence(0.5);
-  }
-  return infos;
+Lines pipelineLog(int count) {
+  std::string const n = std::to_string(count);
+  return {
+      {kInfo, "Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): [" +
+                  n + ", " + n + ", " + n + ", " + n + "]"},
+      {kInfo, "Filtered by DBScan stage 0, Infos size: " + n + ", cluster size: 1"},
+      {kInfo, "Filtered by DBScan stage 1, Infos size: " + n + ", cluster size: 1"}};
 }
 
 TEST(CorvexTagPositionCalculator, FailuresReturnTheNewestScanWithTheirCode) {
+  Infos none;
+  LogCapture capture;
+  EXPECT_EQ(CorvexTagPositionCalculator().getPosition(none).getErrorCode(),
+            ErrorCode::INPUT_INFO_EMPTY);
+  EXPECT_EQ(capture.lines(), (Lines{{kError, "infos is null or empty"}}));
   struct Case {
-    char const* name;
     Infos infos;
     ErrorCode code;
     std::vector<std::string> errors;
-    char const* geoId;  // the newest scan's building, if it may vote
+    bool votes;            // the newest scan may vote on its building
+    double newConfidence;  // of every scan afterwards; 0.5 is unscored
   };
   Case const cases[] = {
-      {"5001 scans",
-       indoorRow(5001),
-       ErrorCode::INPUT_INFO_OVER_LIMIT,
-       {"infos size exceed limit"},
-       "B7"},
-      // The scoring finds no proactive satellite fixes to judge cohesion on, and says so.
-      {"all scores 0",
-       unscorableRow(),
+      {row(5001), ErrorCode::INPUT_INFO_OVER_LIMIT, {"infos size exceed limit"}, true, 0.5},
+      // Outdoors, signals below -120 dBm: the scoring finds no proactive satellite fixes to
+      // judge cohesion on, says so, and scores every scan 0.
+      {row(3, -125, 1),
        ErrorCode::CONFIDENCE_ERROR,
        {"infos == null or is empty", "All of new confidences are 0"},
-       ""},
+       false,
+       0.0},
   };
   for (Case const& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.code.getErrorCode());
     Infos infos = c.infos;
     infos.back().getLastLocation().setIndoorInfo(0, "B7", 4, 12, "4F");
-    CorvexTagPositionCalculator calculator;
-    LogCapture capture;
-    TagBestLocation const result = calculator.getPosition(infos);
-    EXPECT_EQ(result.getErrorCode(), c.code);
+    capture.clear();
+    TagBestLocation const result = CorvexTagPositionCalculator().getPosition(infos);
     EXPECT_EQ(capture.messages(kError), c.errors);
     LastLocation const& newest = c.infos.back().getLastLocationConst();
+    TagBestLocation expected(newest.getLon(), newest.getLat(), kNow, 0.9, 10.0f);
+    expected.setRunTimeStamp(kNow);
+    expected.setErrorCode(c.code);
+    if (c.votes) {  // the newest scan's indoor information travels with the default result
+      expected.setIndoorFlag(1);
+      expected.setGeoId("B7");
+      expected.setFloorId(4);
+      expected.setFloorAcc(12);
+    }
+    EXPECT_EQ(describe(result), describe(expected));
     EXPECT_EQ(result.getLon(), newest.getLon());
-    EXPECT_EQ(result.getLat(), newest.getLat());
-    EXPECT_EQ(result.getTimeStamp(), kNow);
-    EXPECT_EQ(result.getRunTimeStamp(), kNow);
-    EXPECT_EQ(result.getConfidence(), c.infos.back().getConfidence());
-    EXPECT_EQ(result.getAcc(), 10.0f);
-    // The newest scan's indoor information travels with the default result.
-    EXPECT_EQ(result.getGeoId(), c.geoId);
-    EXPECT_EQ(result.getIndoorFlag(), *c.geoId ? 1 : 0);
-    EXPECT_TRUE(result.getTagStat().getInfoCount().empty());
     for (std::size_t i = 0; i < infos.size(); i += 1000) {
-      EXPECT_FALSE(infos[i].getLastLocationConst().getEnu());
-      EXPECT_NEAR(infos[i].getLastLocationConst().getLon(),
-                  c.infos[i].getLastLocationConst().getLon(), 1e-9);
-      EXPECT_EQ(infos[i].getNewConfidence(), 0.0);
+      EXPECT_NEAR(infos[i].getLastLocationConst().getLat(),
+                  c.infos[i].getLastLocationConst().getLat(), 1e-9);
+      EXPECT_EQ(infos[i].getNewConfidence(), c.newConfidence);
     }
   }
-  Infos const fiveThousand = indoorRow(5000);
-  Infos infos = fiveThousand;
-  EXPECT_EQ(CorvexTagPositionCalculator().getPosition(infos).getErrorCode(), ErrorCode::SUCCESS);
+  Infos fiveThousand = row(5000);
+  EXPECT_EQ(CorvexTagPositionCalculator().getPosition(fiveThousand).getErrorCode(),
+            ErrorCode::SUCCESS);
 }
 
 TEST(CorvexTagPositionCalculator, OutOfRangeRssiKeepsTheSolvedPositionInMetres) {
-  Infos infos = indoorRow(3);
+  Infos infos = row(3);
+  infos[0].getBlueToothRecord().setRssi(0);  // missing: takes part as -100 dBm
   infos[1].getBlueToothRecord().setRssi(5);
-  CorvexTagPositionCalculator calculator;
   LogCapture capture;
-  TagBestLocation const result = calculator.getPosition(infos);
-  EXPECT_EQ(result.getErrorCode(), ErrorCode::RSSI_OVER_LIMIT);
-  // The weighted mean of east 0, 1 and 2 metres, left in the local plane.
-  EXPECT_NEAR(result.getLon(), 1.0, 1e-6);
-  EXPECT_NEAR(result.getLat(), 0.0, 1e-6);
-  EXPECT_EQ(result.getTagStat().getInfoCount(), (std::vector<int>{3, 3, 3, 3, 3, 3}));
-  EXPECT_FALSE(contains(capture.messages(kInfo), "using algorithm 1"));
-  EXPECT_TRUE(
-      contains(capture.messages(kError), "rssi 5.000000 out of range! Must be -128 <= rssi < 0 !"));
-}
-
-TEST(CorvexTagPositionCalculator, PreparationRepairsRssiAndScoresIndoorScansAlike) {
-  Infos infos = indoorRow(3);
-  infos[0].getBlueToothRecord().setRssi(0);
-  infos[1].getBlueToothRecord().setRssi(5);
-  CorvexTagPositionCalculator::setDefaultRssi(infos);
+  TagBestLocation const result = CorvexTagPositionCalculator().getPosition(infos);
+  // The weighted mean of east 0, 1 and 2 metres, left in the local plane; indoor scans all
+  // score alike.
+  TagBestLocation expected(1.0, 0.0, kNow, 1.0, 10.0f);
+  expected.setRunTimeStamp(kNow);
+  expected.setErrorCode(ErrorCode::RSSI_OVER_LIMIT);
+  expected.getTagStat().setInfoCount({3, 3, 3, 3, 3, 3});
+  EXPECT_EQ(describe(result), describe(expected));
+  Lines expectedLog = pipelineLog(3);
+  expectedLog.push_back({kError, "rssi 5.000000 out of range! Must be -128 <= rssi < 0 !"});
+  EXPECT_EQ(capture.lines(), expectedLog);
   EXPECT_EQ(infos[0].getBlueToothRecordConst().getRssi(), -100);
   EXPECT_EQ(infos[1].getBlueToothRecordConst().getRssi(), 5);
-  EXPECT_EQ(infos[2].getBlueToothRecordConst().getRssi(), -70);
-  EXPECT_TRUE(CorvexTagPositionCalculator::getNewConfidence(infos));
-  for (BleScanInfoWithConfidence const& info : infos) {
-    EXPECT_EQ(info.getNewConfidence(), 1.0);
-  }
 }
 
-TEST(CorvexTagPositionCalculator, EqualRunTimeStampsChooseTheRangeSolution) {
-  Infos infos = indoorRow(5);
+TEST(CorvexTagPositionCalculator, ChoosesTheSolutionWithTheNewerRunTimeStamp) {
+  Infos infos = row(5);
+  for (BleScanInfoWithConfidence& info : infos) {
+    info.getLastLocation().setIndoorInfo(0, "B1", 2, 10, "2F");
+  }
   std::swap(infos[0], infos[4]);  // the calculator sorts by scan time itself
   CorvexTagPositionCalculator calculator;
   LogCapture capture;
   TagBestLocation const result = calculator.getPosition(infos);
-  EXPECT_EQ(result.getErrorCode(), ErrorCode::SUCCESS);
-  std::vector<LogLine> const expectedLog = {
-      {kInfo,
-       "Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): "
-       "[5, 5, 5, 5]"},
-      {kInfo, "Filtered by DBScan stage 0, Infos size: 5, cluster size: 1"},
-      {kInfo, "Filtered by DBScan stage 1, Infos size: 5, cluster size: 1"},
-      {kInfo, " offlineLocationList size: 5"},
-      {kInfo, "getFilteredPointList"},
-      {kInfo, "applyDbScanInner: 5"},
-      {kInfo, "applyDbScanInner: result size 1"},
-      {kInfo, " Old DBScan after: 5"},
-      {kInfo, "getCorePoint"},
-      {kInfo, "applyKmeansInner"},
-      {kInfo, "kmeans"},
-      {kInfo, "points size 5"},
-      {kInfo, "using algorithm 1"},
-  };
+  // Equal run time stamps: the mean of east 0 to 4 metres, back in degrees, with the scans'
+  // building and floor.
+  Lines expectedLog = pipelineLog(5);
+  for (char const* line :
+       {" offlineLocationList size: 5", "getFilteredPointList", "applyDbScanInner: 5",
+        "applyDbScanInner: result size 1", " Old DBScan after: 5", "getCorePoint",
+        "applyKmeansInner", "kmeans", "points size 5", "using algorithm 1"}) {
+    expectedLog.push_back({kInfo, line});
+  }
   EXPECT_EQ(capture.lines(), expectedLog);
-  // The mean of east 0 to 4 metres, back in degrees.
-  EXPECT_NEAR(distanceFromTag(result.getLon(), result.getLat()), 2.0 * kMeasuredPerPlaneMetre,
-              1e-6);
-  EXPECT_EQ(result.getTimeStamp(), kNow);
+  EXPECT_NEAR(distanceFromTag(result), 2.0 * kMeasuredPerPlaneMetre, 1e-6);
   EXPECT_EQ(result.getRunTimeStamp(), kNow);
-  EXPECT_EQ(
-      result.getTraceLog(),
-      R"({"version":"V2.0","errorCode":0,"errorMsg":"Success","infoCount":[5, 5, 5, 5, 5, 5]})");
-  for (std::size_t i = 0; i < infos.size(); ++i) {
-    EXPECT_EQ(infos[i].getBlueToothRecordConst().getTimeStamp(), kNow - (4 - i) * kMinute);
-    EXPECT_FALSE(infos[i].getLastLocationConst().getEnu());
+  EXPECT_EQ(result.getGeoId() + std::to_string(result.getFloorId()), "B12");
+  EXPECT_EQ(result.getTagStat().getInfoCount(), std::vector<int>(6, 5));
+  EXPECT_EQ(infos.front().getBlueToothRecordConst().getTimeStamp(), kNow - 4 * kMinute);
+  for (BleScanInfoWithConfidence const& info : calculator.getFilteredInfos()) {
+    EXPECT_NEAR(info.getLastLocationConst().getLon(), kTagLon, 1e-4);
   }
-  Infos const filtered = calculator.getFilteredInfos();
-  ASSERT_EQ(filtered.size(), 5u);
-  for (BleScanInfoWithConfidence const& info : filtered) {
-    EXPECT_FALSE(info.getLastLocationConst().getEnu());
-    EXPECT_LT(
-        distanceFromTag(info.getLastLocationConst().getLon(), info.getLastLocationConst().getLat()),
-        5.0);
-  }
-}
 
-TEST(CorvexTagPositionCalculator, NewerScanAwayFromTheSolutionChoosesKmeans) {
-  // The newest scan is 150 m east: too far to vouch for the solution, too near to mean a move.
-  Infos infos = indoorRow(5);
-  Scan far;
-  far.east = 150.0;
-  far.time = kNow + kMinute;
-  infos.push_back(scan(far));
-  CorvexTagPositionCalculator calculator;
-  LogCapture capture;
-  TagBestLocation const result = calculator.getPosition(infos);
-  EXPECT_TRUE(contains(capture.messages(kInfo), "using algorithm 2"));
-  TagBestLocation const kmeans = KmeansPositionCalculator().getPosition(infos);
-  EXPECT_EQ(result.getErrorCode(), kmeans.getErrorCode());
-  EXPECT_EQ(result.getLon(), kmeans.getLon());
-  EXPECT_EQ(result.getLat(), kmeans.getLat());
-  EXPECT_EQ(result.getRunTimeStamp(), kNow + kMinute);
+  // A newer scan 150 m east: too far to vouch for the solution, too near to mean a move.
+  infos.push_back(nearTag({150.0, 0, kNow + kMinute}));
+  capture.clear();
+  TagBestLocation const newer = calculator.getPosition(infos);
+  EXPECT_EQ(capture.messages(kInfo).back(), "using algorithm 2");
+  TagBestLocation kmeans = KmeansPositionCalculator().getPosition(infos);
+  CorvexTagPositionCalculator::setResultIndoorInfo(kmeans, infos);
+  EXPECT_EQ(describe(newer), describe(kmeans));
+  EXPECT_EQ(newer.getRunTimeStamp(), kNow + kMinute);
 }
 
 // A stationary tag outdoors: 50 satellite-positioned phones within 100 m over 50 minutes,
@@ -248,32 +186,28 @@ TEST(CorvexTagPositionCalculator, NewerScanAwayFromTheSolutionChoosesKmeans) {
 Infos stationaryOutdoorScans() {
   std::mt19937 generator(20240601);
   auto uniform = [&generator] { return static_cast<double>(generator()) / 4294967296.0; };
+  double const pi = 3.141592653589793;
   Infos infos;
   for (int i = 0; i < 50; ++i) {
     double const radius = 100.0 * std::sqrt(uniform());
-    double const angle = 2.0 * 3.141592653589793 * uniform();
-    double const noise = 4.0 * std::sqrt(-2.0 * std::log(1.0 - uniform())) *
-                         std::cos(2.0 * 3.141592653589793 * uniform());
+    double const angle = 2.0 * pi * uniform();
+    double const noise =
+        4.0 * std::sqrt(-2.0 * std::log(1.0 - uniform())) * std::cos(2.0 * pi * uniform());
     double const rssi = -72.5 - 26.5 * std::log10(std::max(radius, 0.5)) + noise;
-    Scan s;
-    s.east = radius * std::cos(angle);
-    s.north = radius * std::sin(angle);
-    s.time = kNow - (49 - i) * kMinute;
-    s.rssi = static_cast<int>(std::lround(std::max(-127.0, std::min(-30.0, rssi))));
-    s.confidence = 0.6 + 0.4 * uniform();
-    s.locationType = 1;
-    s.sourceType = 1;
-    s.acc = static_cast<float>(5.0 + 15.0 * uniform());
-    infos.push_back(scan(s));
+    double const confidence = 0.6 + 0.4 * uniform();
+    float const acc = static_cast<float>(5.0 + 15.0 * uniform());
+    infos.push_back(
+        nearTag({radius * std::cos(angle), radius * std::sin(angle), kNow - (49 - i) * kMinute,
+                 static_cast<int>(std::lround(std::clamp(rssi, -127.0, -30.0))), confidence, 0, acc,
+                 1, 1}));
   }
   return infos;
 }
 
 TEST(CorvexTagPositionCalculator, StationaryOutdoorTagIsFoundNearItsPosition) {
   Infos infos = stationaryOutdoorScans();
-  CorvexTagPositionCalculator calculator;
-  TagBestLocation const result = calculator.getPosition(infos);
-  double const error = distanceFromTag(result.getLon(), result.getLat());
+  TagBestLocation const result = CorvexTagPositionCalculator().getPosition(infos);
+  double const error = distanceFromTag(result);
   RecordProperty("error_metres", std::to_string(error));
   EXPECT_EQ(result.getErrorCode(), ErrorCode::SUCCESS);
   EXPECT_LT(error, 20.0);
@@ -281,44 +215,31 @@ TEST(CorvexTagPositionCalculator, StationaryOutdoorTagIsFoundNearItsPosition) {
 }
 
 TEST(CorvexTagPositionCalculator, TagMovedTwoKilometresIsReportedAsMoved) {
+  // A trusted network fix 40 minutes after the last nearby scan; or the two newest scans far
+  // away but too little trusted to pass the confidence filter.
   struct Case {
-    char const* name;
     int farScans;
     double farConfidence;
     long long farDelay;
   };
-  // A trusted network fix 40 minutes after the last nearby scan; or the two newest scans far
-  // away but too little trusted to pass the confidence filter.
-  Case const cases[] = {{"trusted recent fix", 1, 0.9, 40 * kMinute},
-                        {"two untrusted scans", 2, 0.3, 5 * kMinute}};
-  for (Case const& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (Case const& c : {Case{1, 0.9, 40 * kMinute}, Case{2, 0.3, 5 * kMinute}}) {
+    SCOPED_TRACE(c.farScans);
     Infos infos;
+    long long const lastNear = kNow - 64 * kMinute;
     for (int i = 0; i < 30; ++i) {
-      Scan s;
-      s.east = (i % 5) * 8.0;
-      s.north = (i / 5) * 8.0;
-      s.time = kNow - 3 * 60 * kMinute + i * 4 * kMinute;
-      infos.push_back(scan(s));
+      infos.push_back(nearTag({(i % 5) * 8.0, (i / 5) * 8.0, lastNear - (29 - i) * 4 * kMinute}));
     }
-    long long const lastNear = infos.back().getBlueToothRecordConst().getTimeStamp();
     for (int i = 0; i < c.farScans; ++i) {
-      Scan s;
-      s.east = 2000.0 + i;
-      s.time = lastNear + c.farDelay + i * kMinute;
-      s.confidence = c.farConfidence;
-      s.sourceType = 3;
-      infos.push_back(scan(s));
+      infos.push_back(nearTag(
+          {2000.0 + i, 0, lastNear + c.farDelay + i * kMinute, -70, c.farConfidence, 0, 10, 3}));
     }
-    CorvexTagPositionCalculator calculator;
     LogCapture capture;
-    TagBestLocation const result = calculator.getPosition(infos);
+    TagBestLocation const result = CorvexTagPositionCalculator().getPosition(infos);
     EXPECT_EQ(result.getErrorCode().getErrorCode(), 500090);
-    EXPECT_TRUE(contains(capture.messages(kInfo), "Tag is moved"));
+    EXPECT_EQ(capture.messages(kInfo).back(), "Tag is moved");
     EXPECT_EQ(result.getLon(), infos.back().getLastLocationConst().getLon());
     EXPECT_EQ(result.getTimeStamp(), infos.back().getBlueToothRecordConst().getTimeStamp());
-    EXPECT_NEAR(distanceFromTag(result.getLon(), result.getLat()),
-                (2000.0 + c.farScans - 1) * kMeasuredPerPlaneMetre, 1e-3);
+    EXPECT_NEAR(distanceFromTag(result), (2000.0 + c.farScans - 1) * kMeasuredPerPlaneMetre, 1e-3);
   }
 }
 
