@@ -5,19 +5,14 @@
 #include <cstring>
 #include <string>
 
+#include "support/aggregate_call.h"
+
 namespace Vantis::Location {
 namespace {
 
 AggregateScanInfo indoorInfo(const char* geoId, const char* floorInfo) {
-  AggregateScanInfo info{};
-  info.timeStamp = 1700000000123;
-  info.rssi = -71;
-  info.confidence = 0.8;
-  info.lon = 116.397128;
-  info.lat = 39.916527;
-  info.acc = 12.5f;
-  info.reserved[0] = 77;  // must be ignored
-  info.locationType = 1;
+  AggregateScanInfo info = corvex_test::outdoorScan(1700000000123, -71, 0, 0);
+  info.reserved[0] = 77;  // never read
   info.locationSourceType = 3;
   info.indoorFlag = 1;
   info.floorId = 3;
@@ -28,59 +23,42 @@ AggregateScanInfo indoorInfo(const char* geoId, const char* floorInfo) {
 }
 
 TEST(AggregateLocationAdapter, CopiesScanFieldsWithDefaultsForTheRest) {
-  BleScanInfoWithConfidence const scan =
-      AggregateLocationAdapter::toScanInfo(indoorInfo("B1", "F3"));
-  BlueToothRecord const& record = scan.getBlueToothRecordConst();
-  LastLocation const& location = scan.getLastLocationConst();
-  EXPECT_EQ(record.toString(),
-            "BlueToothRecord{name='', mac='', timeStamp=1700000000123, rssi=-71}");
-  EXPECT_EQ(location.toString(),
-            "LastLocation{timeStamp = 0, lat = 39.916527, lon = 116.397128, acc = 12.5, speed = 0, "
-            "bearing = 0, locationType = 1, locationSourceType = 3, indoorFlag = 1, buildingId = "
-            "B1, floor = 3, floorAcc = 2, isEnu = 0}");
-  EXPECT_EQ(location.getFloorInfo(), "F3");
-  EXPECT_EQ(scan.getArStatus(), 0);
-  EXPECT_EQ(scan.getStepCount(), 0);
-  EXPECT_EQ(scan.getConfidence(), 0.8);
-  EXPECT_EQ(scan.getNewConfidence(), 0.0);
-  EXPECT_EQ(scan.getKindTransId(), "");
+  EXPECT_EQ(AggregateLocationAdapter::toScanInfo(indoorInfo("B1", "F3")).toString(),
+            "BleScanInfo{blueToothRecord=BlueToothRecord{name='', mac='', "
+            "timeStamp=1700000000123, rssi=-71}, lastLocation=LastLocation{timeStamp = 0, lat = "
+            "47.3769, lon = 8.5417, acc = 8, speed = 0, bearing = 0, locationType = 1, "
+            "locationSourceType = 3, indoorFlag = 1, buildingId = B1, floor = 3, floorAcc = 2, "
+            "isEnu = 0}, arStatus=0, stepCount=0, confidence=0.9, newConfidence=0, kindTransID=}");
 }
 
 TEST(AggregateLocationAdapter, IndoorFieldsNeedABuildingIdentifier) {
   struct Case {
     const char* geoId;
     const char* floorInfo;
-    int indoorFlag;
-    int floorId;
-    int floorAcc;
-    std::string expectedGeoId;
-    std::string expectedFloorInfo;
+    std::string expected;  // geoId/floorInfo/indoorFlag/floorId/floorAcc
   };
   Case const cases[] = {
-      {nullptr, "F3", 0, -100, 0, "", ""},  // no building: the indoor fields are ignored
-      {"B", "", 1, 3, 2, "B", ""},
-      {"B", nullptr, 1, 3, 2, "B", ""},  // a caller slip reads as an empty floor text
-      {"", "F1", 1, 3, 2, "", "F1"},
+      {nullptr, "F3", "//0/-100/0"},  // no building: the indoor fields are ignored
+      {"B", "", "B//1/3/2"},
+      {"B", nullptr, "B//1/3/2"},  // a caller slip reads as an empty floor text
+      {"", "F1", "/F1/1/3/2"},
   };
   for (Case const& c : cases) {
-    SCOPED_TRACE(c.expectedGeoId + "/" + c.expectedFloorInfo);
     LastLocation const location =
         AggregateLocationAdapter::toScanInfo(indoorInfo(c.geoId, c.floorInfo))
             .getLastLocationConst();
-    EXPECT_EQ(location.getGeoId(), c.expectedGeoId);
-    EXPECT_EQ(location.getFloorInfo(), c.expectedFloorInfo);
-    EXPECT_EQ(location.getIndoorFlag(), c.indoorFlag);
-    EXPECT_EQ(location.getFloorId(), c.floorId);
-    EXPECT_EQ(location.getFloorAcc(), c.floorAcc);
+    EXPECT_EQ(location.getGeoId() + "/" + location.getFloorInfo() + "/" +
+                  std::to_string(location.getIndoorFlag()) + "/" +
+                  std::to_string(location.getFloorId()) + "/" +
+                  std::to_string(location.getFloorAcc()),
+              c.expected);
   }
 }
 
 TEST(AggregateLocationAdapter, ReadsExactlyCountRecordsInArrayOrder) {
-  AggregateScanInfo infos[3] = {indoorInfo(nullptr, nullptr), indoorInfo(nullptr, nullptr),
-                                indoorInfo(nullptr, nullptr)};
+  AggregateScanInfo infos[3] = {indoorInfo("", ""), indoorInfo("", ""), indoorInfo("", "")};
   infos[0].timeStamp = 30;
   infos[1].timeStamp = 10;
-  infos[2].timeStamp = 20;
   auto const scans = AggregateLocationAdapter::toScanInfos(infos, 2);
   ASSERT_EQ(scans.size(), 2u);
   EXPECT_EQ(scans[0].getBlueToothRecordConst().getTimeStamp(), 30);
@@ -97,7 +75,6 @@ TEST(AggregateLocationAdapter, PublishesEveryFieldAndFreshStrings) {
   location.setFloorAcc(4);
   location.setIndoorFlag(1);
   location.getTagStat().setInfoCount({3, 2});
-
   AggregateLocationResult result;
   std::memset(&result, 0xAB, sizeof result);
   char* trace = nullptr;
@@ -110,8 +87,7 @@ TEST(AggregateLocationAdapter, PublishesEveryFieldAndFreshStrings) {
   EXPECT_EQ(result.confidence, 0.75);
   EXPECT_EQ(result.acc, 6.5f);
   EXPECT_STREQ(result.geoId, "B7");
-  ASSERT_NE(result.floorInfo, nullptr);
-  EXPECT_EQ(result.floorInfo[0], '\0');
+  EXPECT_STREQ(result.floorInfo, "");
   EXPECT_NE(result.floorInfo, result.geoId);
   EXPECT_EQ(result.floorId, -2);
   EXPECT_EQ(result.floorAcc, 4);

@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <new>
-#include <string>
 #include <vector>
 
 #include "corvex/aggregate_location.h"
@@ -34,9 +32,7 @@ void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
 void* operator new(std::size_t size) {
   if (allocationsUntilFailure == 0) {
     allocationFailed = true;
-    if (failOnce) {
-      allocationsUntilFailure = -1;
-    }
+    allocationsUntilFailure = failOnce ? -1 : 0;
     throw std::bad_alloc();
   }
   if (allocationsUntilFailure > 0) {
@@ -62,69 +58,52 @@ void operator delete[](void* memory, std::nothrow_t const&) noexcept { std::free
 
 namespace {
 
-std::vector<AggregateScanInfo> someScans() {
-  std::vector<AggregateScanInfo> infos(6);
-  for (size_t i = 0; i < infos.size(); ++i) {
-    AggregateScanInfo& info = infos[i];
-    info.timeStamp = 1700000000000 + static_cast<long long>(i) * 30000;
-    info.rssi = -60 - static_cast<int>(i);
-    info.confidence = 0.9;
-    info.lon = 8.5417 + static_cast<double>(i) * 1e-5;
-    info.lat = 47.3769;
-    info.acc = 8.0f;
-    info.locationType = 1;
-    info.locationSourceType = 1;
-    info.geoId = i % 2 == 0 ? "a building identifier longer than small strings" : nullptr;
-    info.floorInfo = "a floor description longer than small strings";
-  }
-  return infos;
-}
-
-// Counts the calls in which an allocation failed.
-int callWithEachAllocationFailing() {
-  std::vector<AggregateScanInfo> const infos = someScans();
-  int failedCalls = 0;
-  for (long failAt = 0;; ++failAt) {
-    AggregateLocationResult result;
-    char* trace = nullptr;
-    allocationFailed = false;
-    allocationsUntilFailure = failAt;
-    int const code =
-        GetAggregateLocation(infos.data(), static_cast<int>(infos.size()), &result, &trace);
-    bool const failureHappened = allocationFailed;
-    allocationsUntilFailure = -1;
-    if (failureHappened) {
-      ++failedCalls;
-      EXPECT_EQ(code, CORVEX_UNKNOWN_ERROR) << "failing allocation " << failAt;
-      if (trace != nullptr) {  // the fallback result could be published
-        EXPECT_STREQ(
-            trace,
-            R"({"version":"V2.0","errorCode":-1,"errorMsg":"Unknown error","infoCount":[]})");
-        EXPECT_STREQ(result.geoId, "");
-        EXPECT_STREQ(result.floorInfo, "");
-      } else {
-        EXPECT_EQ(result.geoId, nullptr);
-        EXPECT_EQ(result.floorInfo, nullptr);
-      }
-    }
-    delete[] result.geoId;
-    delete[] result.floorInfo;
-    delete[] trace;
-    if (!failureHappened) {
-      EXPECT_NE(code, CORVEX_UNKNOWN_ERROR);
-      return failedCalls;  // every allocation of the call has been made to fail
-    }
-  }
-}
-
 TEST(GetAggregateLocation, AnswersMemoryExhaustionWithUnknownError) {
-  failOnce = false;
-  EXPECT_GT(callWithEachAllocationFailing(), 3);
-}
-
-TEST(GetAggregateLocation, AnswersASingleFailedAllocationWithUnknownError) {
-  failOnce = true;
-  EXPECT_GT(callWithEachAllocationFailing(), 3);
+  std::vector<AggregateScanInfo> infos(6);
+  for (std::size_t i = 0; i < infos.size(); ++i) {
+    infos[i].timeStamp = 1700000000000 + static_cast<long long>(i) * 30000;
+    infos[i].rssi = -60 - static_cast<int>(i);
+    infos[i].confidence = 0.9;
+    infos[i].lon = 8.5417 + static_cast<double>(i) * 1e-5;
+    infos[i].lat = 47.3769;
+    infos[i].locationType = 1;
+    infos[i].geoId = i % 2 == 0 ? "a building identifier longer than small strings" : nullptr;
+    infos[i].floorInfo = "a floor description longer than small strings";
+  }
+  // Exhausted for good after the first failure, then a single failed allocation.
+  for (bool once : {false, true}) {
+    failOnce = once;
+    int failedCalls = 0;
+    for (long failAt = 0; failedCalls == failAt; ++failAt) {  // until a call succeeds
+      AggregateLocationResult result;
+      char* trace = nullptr;
+      allocationFailed = false;
+      allocationsUntilFailure = failAt;
+      int const code =
+          GetAggregateLocation(infos.data(), static_cast<int>(infos.size()), &result, &trace);
+      allocationsUntilFailure = -1;
+      if (allocationFailed) {
+        ++failedCalls;
+        EXPECT_EQ(code, CORVEX_UNKNOWN_ERROR) << "failing allocation " << failAt;
+        if (trace != nullptr) {  // the fallback result could be published
+          EXPECT_STREQ(
+              trace,
+              R"({"version":"V2.0","errorCode":-1,"errorMsg":"Unknown error","infoCount":[]})");
+          EXPECT_STREQ(result.geoId, "");
+          EXPECT_STREQ(result.floorInfo, "");
+        } else {
+          EXPECT_EQ(result.geoId, nullptr);
+          EXPECT_EQ(result.floorInfo, nullptr);
+        }
+      } else {
+        EXPECT_NE(code, CORVEX_UNKNOWN_ERROR);  // every allocation of the call has failed once
+      }
+      delete[] result.geoId;
+      delete[] result.floorInfo;
+      delete[] trace;
+    }
+    EXPECT_GT(failedCalls, 3) << "once " << once;
+  }
 }
 
 }  // namespace

@@ -13,11 +13,16 @@
 namespace corvex_test {
 namespace {
 
+// Scans 15 s apart, the newest first; the floor fields are set but no record names a building.
 std::vector<AggregateScanInfo> walkOfScans(int count) {
   std::vector<AggregateScanInfo> infos;
-  for (int i = 0; i < count; ++i) {
+  for (int i = count - 1; i >= 0; --i) {
     infos.push_back(
         outdoorScan(1700000000000 + i * 15000LL, -60 - i % 25, (i % 7) * 1e-5, (i % 5) * 1e-5));
+    infos.back().indoorFlag = 1;
+    infos.back().floorId = 3;
+    infos.back().floorAcc = 10;
+    infos.back().floorInfo = "F3";
   }
   return infos;
 }
@@ -40,7 +45,6 @@ TEST(GetAggregateLocation, NullInfosReturnsItsOwnCodeAndWritesNothing) {
 TEST(GetAggregateLocation, EmptyListIsReportedThroughTheResult) {
   AggregateScanInfo const unread = outdoorScan(1, -50, 0, 0);
   for (int count : {0, -4}) {
-    SCOPED_TRACE(count);
     LogCapture capture;
     AggregateLocationResult result;
     std::memset(&result, 0xAB, sizeof result);
@@ -50,11 +54,9 @@ TEST(GetAggregateLocation, EmptyListIsReportedThroughTheResult) {
         trace,
         R"({"version":"V2.0","errorCode":500010,"errorMsg":"Input info is empty","infoCount":[]})");
     // Fresh one-byte strings: releasing each with delete[] must be valid.
-    ASSERT_NE(result.geoId, nullptr);
-    ASSERT_NE(result.floorInfo, nullptr);
+    EXPECT_STREQ(result.geoId, "");
+    EXPECT_STREQ(result.floorInfo, "");
     EXPECT_NE(result.geoId, result.floorInfo);
-    EXPECT_EQ(result.geoId[0], '\0');
-    EXPECT_EQ(result.floorInfo[0], '\0');
     EXPECT_EQ(result.timeStamp, 0);
     EXPECT_EQ(result.confidence, 1.0);
     EXPECT_EQ(result.floorId, -100);
@@ -63,6 +65,42 @@ TEST(GetAggregateLocation, EmptyListIsReportedThroughTheResult) {
     delete[] result.floorInfo;
     delete[] trace;
     EXPECT_EQ(capture.lines(), (std::vector<LogLine>{{kError, "infos is null or empty"}}));
+  }
+}
+
+// The return code is the one inside the trace log, whatever the outcome; the caller's records
+// stay as they were, however the calculator reorders and repairs its copies.
+TEST(GetAggregateLocation, ReturnsTheTraceLogsCodeAndLeavesTheInputAlone) {
+  LogCapture capture;
+  std::vector<AggregateScanInfo> faint = walkOfScans(10);
+  std::vector<AggregateScanInfo> loud = walkOfScans(10);
+  for (std::size_t i = 0; i < 10; ++i) {
+    faint[i].rssi = -125;
+    loud[i].rssi = 20;
+  }
+  std::vector<AggregateScanInfo> repaired = walkOfScans(30);
+  repaired[3].rssi = 0;
+  struct Case {
+    std::vector<AggregateScanInfo> infos;
+    int code;
+  };
+  Case const cases[] = {{walkOfScans(1), CORVEX_SUCCESS},
+                        {walkOfScans(8), CORVEX_SUCCESS},
+                        {repaired, CORVEX_SUCCESS},
+                        {faint, CORVEX_CONFIDENCE_ERROR},
+                        {loud, CORVEX_RSSI_OVER_LIMIT}};
+  for (Case const& c : cases) {
+    std::vector<AggregateScanInfo> const before = c.infos;
+    AggregateCall const call = callGetAggregateLocation(c.infos);
+    EXPECT_EQ(call.code, c.code);
+    EXPECT_EQ(call.code, call.traceErrorCode()) << call.traceLog;
+    EXPECT_EQ(call.traceLog.rfind(R"({"version":"V2.0","errorCode":)", 0), 0u) << call.traceLog;
+    EXPECT_TRUE(call.stringsPresent);
+    EXPECT_EQ(std::memcmp(c.infos.data(), before.data(), before.size() * sizeof before[0]), 0);
+    // Without a building the floor fields are not read.
+    EXPECT_EQ(call.geoId + call.floorInfo, "");
+    EXPECT_EQ(call.result.floorId, -100);
+    EXPECT_EQ(call.result.indoorFlag, 0);
   }
 }
 
@@ -81,57 +119,6 @@ TEST(GetAggregateLocation, TooManyRecordsAreRefusedWithTheNewestPosition) {
   EXPECT_EQ(capture.messages(kError), std::vector<std::string>{"infos size exceed limit"});
 }
 
-TEST(GetAggregateLocation, RecordWithoutBuildingKeepsNoFloor) {
-  LogCapture capture;
-  std::vector<AggregateScanInfo> infos = walkOfScans(12);
-  for (AggregateScanInfo& info : infos) {
-    info.indoorFlag = 1;
-    info.floorId = 3;  // ignored: no building identifier
-    info.floorAcc = 1;
-    info.floorInfo = "F3";
-  }
-  AggregateCall const call = callGetAggregateLocation(infos);
-  EXPECT_EQ(call.result.floorId, -100);
-  EXPECT_EQ(call.result.indoorFlag, 0);
-  EXPECT_EQ(call.geoId, "");
-  EXPECT_EQ(call.floorInfo, "");
-  EXPECT_EQ(call.code, call.traceErrorCode());
-}
-
-TEST(GetAggregateLocation, LeavesTheCallersRecordsUntouched) {
-  LogCapture capture;
-  std::vector<AggregateScanInfo> infos = walkOfScans(30);
-  std::swap(infos[0], infos[29]);  // unsorted, so a sort in place would show
-  infos[3].rssi = 0;               // would be repaired in place
-  std::vector<AggregateScanInfo> const before = infos;
-  AggregateCall const call = callGetAggregateLocation(infos);
-  EXPECT_EQ(call.code, call.traceErrorCode());
-  EXPECT_EQ(std::memcmp(infos.data(), before.data(), infos.size() * sizeof infos[0]), 0);
-}
-
-// The return code is the one inside the trace log, whatever the outcome.
-TEST(GetAggregateLocation, ReturnCodeMatchesTheTraceLog) {
-  LogCapture capture;
-  std::vector<std::vector<AggregateScanInfo>> inputs = {walkOfScans(1), walkOfScans(8),
-                                                        walkOfScans(40)};
-  std::vector<AggregateScanInfo> zeroConfidence = walkOfScans(10);
-  for (AggregateScanInfo& info : zeroConfidence) {
-    info.confidence = 0.0;
-  }
-  inputs.push_back(zeroConfidence);
-  std::vector<AggregateScanInfo> loud = walkOfScans(10);
-  for (AggregateScanInfo& info : loud) {
-    info.rssi = 20;
-  }
-  inputs.push_back(loud);
-  for (auto const& infos : inputs) {
-    AggregateCall const call = callGetAggregateLocation(infos);
-    EXPECT_TRUE(call.stringsPresent);
-    EXPECT_EQ(call.code, call.traceErrorCode()) << call.traceLog;
-    EXPECT_EQ(call.traceLog.rfind(R"({"version":"V2.0","errorCode":)", 0), 0u) << call.traceLog;
-  }
-}
-
 // Hosts load libcorvex.so by name; everything but the entry point must stay internal.
 TEST(GetAggregateLocation, SharedLibraryExportsOnlyTheEntryPoint) {
   std::string const command = std::string("nm -D --defined-only ") + CORVEX_SHARED_LIBRARY;
@@ -139,11 +126,9 @@ TEST(GetAggregateLocation, SharedLibraryExportsOnlyTheEntryPoint) {
   ASSERT_NE(pipe, nullptr);
   std::set<std::string> symbols;
   char line[512];
+  char name[256];
   while (std::fgets(line, sizeof line, pipe) != nullptr) {
-    char type = 0;
-    char name[256] = {0};
-    // "<address> <type> <name>"
-    if (std::sscanf(line, "%*s %c %255s", &type, name) == 2) {
+    if (std::sscanf(line, "%*s %*c %255s", name) == 1) {  // "<address> <type> <name>"
       symbols.insert(name);
     }
   }
