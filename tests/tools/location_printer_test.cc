@@ -9,55 +9,36 @@
 namespace corvex_cli {
 namespace {
 
-AggregateLocationResult sampleResult(char* geoId, char* floorInfo) {
-  AggregateLocationResult result{};
-  result.timeStamp = 1700000002000;
-  result.runTimeStamp = 1700000003000;
-  result.lon = 8.541712345678901;
-  result.lat = 47.37;
-  result.confidence = 0.1;
-  result.acc = 0.1f;
-  result.geoId = geoId;
-  result.floorInfo = floorInfo;
-  result.floorId = 2;
-  result.floorAcc = 1;
-  result.indoorFlag = 1;
-  return result;
-}
-
 TEST(LocationPrinter, WritesOneLineWithFixedKeyOrder) {
   char geoId[] = "B\"1";
   char floorInfo[] = "F2";
-  std::string const line = LocationPrinter::format(
-      "tag-1", 0, sampleResult(geoId, floorInfo),
-      R"({"version":"V2.0","errorCode":0,"errorMsg":"Success","infoCount":[12, 10, 8]})");
-  EXPECT_EQ(line,
+  AggregateLocationResult const result = {
+      1700000002000, 1700000003000, 8.541712345678901, 47.37, 0.1, 0.1f, geoId, floorInfo, 2, 1, 1};
+  EXPECT_EQ(LocationPrinter::format(
+                "tag-1", 0, result,
+                R"({"version":"V2.0","errorCode":0,"errorMsg":"Success","infoCount":[12, 10, 8]})"),
             R"({"tag":"tag-1","code":0,"message":"Success","lon":8.541712345678901,"lat":47.37,)"
             R"("acc":0.1,"confidence":0.1,"timeStamp":1700000002000,)"
             R"("runTimeStamp":1700000003000,"indoorFlag":1,"geoId":"B\"1","floorId":2,)"
             R"("floorAcc":1,"floorInfo":"F2","infoCount":[12,10,8]})");
 }
 
-TEST(LocationPrinter, NumbersReadBackExactly) {
-  AggregateLocationResult result = sampleResult(nullptr, nullptr);
+TEST(LocationPrinter, NumbersReadBackExactlyAndOddValuesStayValidJson) {
+  AggregateLocationResult result{};
   result.lon = std::nextafter(8.5, 9.0);
   result.lat = -1e-310;
   result.acc = 3.3f;
-  auto const parsed = nlohmann::json::parse(LocationPrinter::format("t", 0, result, nullptr));
+  auto parsed = nlohmann::json::parse(LocationPrinter::format("t", 0, result, nullptr));
   EXPECT_EQ(parsed["lon"].get<double>(), result.lon);
   EXPECT_EQ(parsed["lat"].get<double>(), result.lat);
   EXPECT_EQ(parsed["acc"].get<float>(), 3.3f);
-}
 
-TEST(LocationPrinter, SurvivesOddResults) {
-  AggregateLocationResult result = sampleResult(nullptr, nullptr);
   result.lon = NAN;
   result.lat = INFINITY;
   result.acc = NAN;
   char invalidUtf8[] = "\xff";
   result.floorInfo = invalidUtf8;
-  std::string const line = LocationPrinter::format("t", CORVEX_UNKNOWN_ERROR, result, nullptr);
-  auto const parsed = nlohmann::json::parse(line);
+  parsed = nlohmann::json::parse(LocationPrinter::format("t", CORVEX_UNKNOWN_ERROR, result, "{"));
   EXPECT_TRUE(parsed["lon"].is_null());
   EXPECT_TRUE(parsed["lat"].is_null());
   EXPECT_TRUE(parsed["acc"].is_null());

@@ -12,18 +12,12 @@
 namespace corvex_cli {
 namespace {
 
-std::vector<TagScans> exampleTags() {
-  std::vector<TagScans> tags;
-  std::string error;
-  EXPECT_TRUE(ScanTableReader::readFile(CORVEX_SOURCE_DIR "/examples/scans.csv", &tags, &error))
-      << error;
-  return tags;
-}
-
 TEST(TagLocator, AnswersEveryTagInInputOrderWhateverTheJobCount) {
   corvex_test::LogCapture capture;
-  auto const tags = exampleTags();
-  ASSERT_FALSE(tags.empty());
+  std::vector<TagScans> tags;
+  std::string error;
+  ASSERT_TRUE(ScanTableReader::readFile(CORVEX_SOURCE_DIR "/examples/scans.csv", &tags, &error))
+      << error;
   std::vector<std::string> const sequential = TagLocator::locateAll(tags, 1);
   ASSERT_EQ(sequential.size(), tags.size());
   for (size_t i = 0; i < tags.size(); ++i) {
