@@ -47,10 +47,10 @@ TEST(CorvexTagPositionCalculator, MovedWhenTheNewestIsAnOutlierOrTheTwoNewestAre
   expectMoved("second exactly 400 m", {{0, 400}, {0, 401}}, false);
   expectMoved("no scans", {}, true);
   // The age wraps as two's complement instead of overflowing.
-  Scan const far = {0, 200, kMax, -70, 0.81, 0, 5, 3};
-  EXPECT_FALSE(Calculator::checkOutlier(resultAt(0, 0, kMin), far.inPlane()));
-  EXPECT_TRUE(Calculator::checkOutlier(resultAt(0, 0, 1),
-                                       Scan{0, 200, kMin, -70, 0.81, 0, 5, 3}.inPlane()));
+  Scan outlier = {0, 200, kMax, -70, 0.81, 0, 5, 3};
+  EXPECT_FALSE(Calculator::checkOutlier(resultAt(0, 0, kMin), outlier.inPlane()));
+  outlier.time = kMin;
+  EXPECT_TRUE(Calculator::checkOutlier(resultAt(0, 0, 1), outlier.inPlane()));
 }
 
 TEST(CorvexTagPositionCalculator, RunTimeStampIsTheNewestScanWithin100Metres) {
@@ -82,50 +82,41 @@ TagBestLocation degreeResult(long long runTimeStamp = kRunTime) {
   return result;
 }
 
-TEST(CorvexTagPositionCalculator, IndoorCandidatesMustPassEveryTest) {
-  struct Case {
-    char const* name;
-    BleScanInfoWithConfidence record;  // geoId, floorId, floorAcc, rssi, confidence, north
-                                       // (degrees), age (ms)
-    bool candidate;
-  };
-  Case const cases[] = {
-      {"at every bound", indoor("B1", 3, 10), true},
-      {"no building", indoor("", 3, 10), false},
-      {"building null", indoor("null", 3, 10), false},
-      {"no floor", indoor("B1", -100, 10), false},
-      {"floorAcc 9", indoor("B1", 3, 9), false},
-      {"rssi -86", indoor("B1", 3, 10, -86), false},
-      {"confidence 0.79", indoor("B1", 3, 10, -85, 0.79), false},
-      {"about 89 m away", indoor("B1", 3, 10, -85, 0.8, 0.0008), true},
-      {"about 111 m away", indoor("B1", 3, 10, -85, 0.8, 0.001), false},
-      {"7199999 ms old", indoor("B1", 3, 10, -85, 0.8, 0, 7199999), true},
-      {"two hours old", indoor("B1", 3, 10, -85, 0.8, 0, 7200000), false},
-      {"two hours ahead", indoor("B1", 3, 10, -85, 0.8, 0, -7200000), false},
-      // An illegal position measures 0.0 m (with an error line) and so stays a candidate.
-      {"latitude beyond 90", indoor("B1", 3, 10, -85, 0.8, 100.0), true},
-  };
-  for (Case const& c : cases) {
-    Infos out;
-    Calculator::filterIndoor(degreeResult(), {c.record}, out);
-    EXPECT_EQ(out.size(), c.candidate ? 1u : 0u) << c.name;
-  }
-  // The distance is measured, and may log, only for records that passed the other tests; the
-  // time window wraps as two's complement at the limits.
-  corvex_test::LogCapture capture;
+// Whether the record may vote on the building and floor of a result with that run time stamp.
+bool votes(BleScanInfoWithConfidence const& record, long long runTimeStamp = kRunTime) {
   Infos out;
-  Calculator::filterIndoor(
-      degreeResult(kMin),
-      {indoor("B1", 3, 10, -90, 0.8, 100.0), indoor("B1", 3, 10, -85, 0.8, 0, kRunTime)}, out);
-  EXPECT_EQ(out.size(), 1u);
+  Calculator::filterIndoor(degreeResult(runTimeStamp), {record}, out);
+  return out.size() == 1;
+}
+
+TEST(CorvexTagPositionCalculator, IndoorCandidatesMustPassEveryTest) {
+  // geoId, floorId, floorAcc, rssi, confidence, north (degrees), age (ms)
+  EXPECT_TRUE(votes(indoor("B1", 3, 10, -85, 0.8)));  // every bound
+  EXPECT_FALSE(votes(indoor("", 3, 10)));
+  EXPECT_FALSE(votes(indoor("null", 3, 10)));
+  EXPECT_FALSE(votes(indoor("B1", -100, 10)));
+  EXPECT_FALSE(votes(indoor("B1", 3, 9)));
+  EXPECT_FALSE(votes(indoor("B1", 3, 10, -86)));
+  EXPECT_FALSE(votes(indoor("B1", 3, 10, -85, 0.79)));
+  EXPECT_TRUE(votes(indoor("B1", 3, 10, -85, 0.8, 0.0008)));  // about 89 m away
+  EXPECT_FALSE(votes(indoor("B1", 3, 10, -85, 0.8, 0.001)));  // about 111 m away
+  EXPECT_TRUE(votes(indoor("B1", 3, 10, -85, 0.8, 0, 7199999)));
+  EXPECT_FALSE(votes(indoor("B1", 3, 10, -85, 0.8, 0, 7200000)));
+  EXPECT_FALSE(votes(indoor("B1", 3, 10, -85, 0.8, 0, -7200000)));
+  // The time window wraps as two's complement at the limits.
+  EXPECT_TRUE(votes(indoor("B1", 3, 10, -85, 0.8, 0, kRunTime), kMin));
+  // An illegal position measures 0.0 m (with an error line) and so stays a candidate; the
+  // distance is measured, and may log, only for records that passed the other tests.
+  EXPECT_TRUE(votes(indoor("B1", 3, 10, -85, 0.8, 100.0)));
+  corvex_test::LogCapture capture;
+  EXPECT_FALSE(votes(indoor("B1", 3, 10, -90, 0.8, 100.0)));
   EXPECT_TRUE(capture.lines().empty());
 }
 
-// Votes over candidates with these buildings, floors and floor accuracies.
-void expectVote(char const* name, std::vector<std::string> const& geoIds,
-                std::vector<int> const& floorIds, std::vector<int> const& floorAccs,
-                std::string const& geoId, int floorId, int floorAcc) {
-  SCOPED_TRACE(name);
+// The result's indoor fields, as flag/geoId/floorId/floorAcc/floorInfo, after a vote among
+// candidates with these buildings, floors and floor accuracies.
+std::string voted(std::vector<std::string> const& geoIds, std::vector<int> const& floorIds,
+                  std::vector<int> const& floorAccs) {
   Infos infos;
   for (std::size_t i = 0; i < geoIds.size(); ++i) {
     infos.push_back(indoor(geoIds[i], floorIds[i], floorAccs[i]));
@@ -133,34 +124,26 @@ void expectVote(char const* name, std::vector<std::string> const& geoIds,
   TagBestLocation result = degreeResult();
   result.setFloorInfo("kept");
   Calculator::setResultIndoorInfo(result, infos);
-  EXPECT_EQ(result.getIndoorFlag(), geoId.empty() ? 0 : 1);
-  EXPECT_EQ(result.getGeoId(), geoId);
-  EXPECT_EQ(result.getFloorId(), floorId);
-  EXPECT_EQ(result.getFloorAcc(), floorAcc);
-  EXPECT_EQ(result.getFloorInfo(), "kept");
+  return std::to_string(result.getIndoorFlag()) + "/" + result.getGeoId() + "/" +
+         std::to_string(result.getFloorId()) + "/" + std::to_string(result.getFloorAcc()) + "/" +
+         result.getFloorInfo();
 }
 
 TEST(CorvexTagPositionCalculator, IndoorVoteTakesBuildingThenFloor) {
-  int const big = std::numeric_limits<int>::max();
-  expectVote("tied buildings: first in byte order", {"B", "A", "B", "A"}, {1, 2, 1, 2},
-             {10, 20, 30, 40}, "A", 2, 30);
-  expectVote("tied floors: the lowest", {"A", "A", "A", "A"}, {2, 3, 3, 2}, {10, 12, 14, 11}, "A",
-             2, 10);
-  expectVote("floor within the winning building", {"A", "B", "B", "A", "B"}, {5, 7, 7, 4, 4},
-             {10, 10, 10, 10, 10}, "B", 7, 10);
-  expectVote("floor accuracy summed as 32 bits", {"A", "A"}, {1, 1}, {big, big}, "A", 1, -1);
-  // No indoor information: no candidates, no known floor, or floor 0 wins.
-  expectVote("no candidates", {}, {}, {}, "", -100, 0);
-  expectVote("no known floor", {"A"}, {-100}, {10}, "", -100, 0);
-  expectVote("floor 0 wins", {"A", "A", "A"}, {0, 0, 1}, {10, 10, 10}, "", -100, 0);
-}
-
-TEST(CorvexTagPositionCalculator, MostOccurrencesPrefersTheSmallestOnTies) {
+  // Ties go to the first building in byte order and to the lowest floor.
+  EXPECT_EQ(voted({"B", "A", "B", "A"}, {1, 2, 1, 2}, {10, 20, 30, 40}), "1/A/2/30/kept");
+  EXPECT_EQ(voted({"A", "A", "A", "A"}, {2, 3, 3, 2}, {10, 12, 14, 11}), "1/A/2/10/kept");
+  EXPECT_EQ(voted({"A", "B", "B", "A", "B"}, {5, 7, 7, 4, 4}, {10, 10, 10, 10, 10}),
+            "1/B/7/10/kept");
+  int const big = std::numeric_limits<int>::max();  // floor accuracies summed as 32 bits
+  EXPECT_EQ(voted({"A", "A"}, {1, 1}, {big, big}), "1/A/1/-1/kept");
+  // No candidate, no known floor, or floor 0 winning: no indoor information.
+  EXPECT_EQ(voted({}, {}, {}), "0//-100/0/kept");
+  EXPECT_EQ(voted({"A"}, {-100}, {10}), "0//-100/0/kept");
+  EXPECT_EQ(voted({"A", "A", "A"}, {0, 0, 1}, {10, 10, 10}), "0//-100/0/kept");
+  EXPECT_EQ(Calculator::selectMostOccurrences<std::string>({"b", "B", "b", "B"}), "B");
   EXPECT_EQ(Calculator::selectMostOccurrences<std::string>({}), "");
   EXPECT_EQ(Calculator::selectMostOccurrences<int>({}), 0);
-  EXPECT_EQ(Calculator::selectMostOccurrences<std::string>({"b", "B", "b", "B", "a"}), "B");
-  EXPECT_EQ(Calculator::selectMostOccurrences<int>({4, -2, 4, -2, 9, 9, 9}), 9);
-  EXPECT_EQ(Calculator::selectMostOccurrences<int>({4, -2, 4, -2}), -2);
 }
 
 }  // namespace

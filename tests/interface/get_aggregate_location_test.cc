@@ -1,9 +1,21 @@
+// The exported entry point through its C interface: its own checks, the hand-over of results
+// and strings, and hostile and concurrent use, which it must answer with a known code without
+// crashing, hanging, leaking or tripping a sanitizer.
 #include <gtest/gtest.h>
 
+#include <cfloat>
+#include <chrono>
+#include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
+#include <limits>
+#include <random>
 #include <set>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "corvex/aggregate_location.h"
@@ -13,9 +25,11 @@
 namespace corvex_test {
 namespace {
 
+using Input = std::vector<AggregateScanInfo>;
+
 // Scans 15 s apart, the newest first; the floor fields are set but no record names a building.
-std::vector<AggregateScanInfo> walkOfScans(int count) {
-  std::vector<AggregateScanInfo> infos;
+Input walkOfScans(int count) {
+  Input infos;
   for (int i = count - 1; i >= 0; --i) {
     infos.push_back(
         outdoorScan(1700000000000 + i * 15000LL, -60 - i % 25, (i % 7) * 1e-5, (i % 5) * 1e-5));
@@ -23,6 +37,60 @@ std::vector<AggregateScanInfo> walkOfScans(int count) {
     infos.back().floorId = 3;
     infos.back().floorAcc = 10;
     infos.back().floorInfo = "F3";
+  }
+  return infos;
+}
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr float kFloatInf = std::numeric_limits<float>::infinity();
+constexpr float kFloatNaN = std::numeric_limits<float>::quiet_NaN();
+
+// Mostly plausible records with every field sometimes replaced by an extreme: NaN, infinities,
+// huge, tiny, negative and boundary values.
+Input garbage(std::mt19937_64& random, int count) {
+  static double const kDoubles[] = {kNaN, kInf, -kInf, 1e308,        -1e308, 1e-310,
+                                    -0.0, 1e19, -1e19, 4294967296.5, 180.0,  -90.0};
+  static int const kInts[] = {INT_MIN, INT_MAX, 0, -1, 1, -128, 127, 3, -100, 100000};
+  static float const kFloats[] = {kFloatNaN, kFloatInf, -kFloatInf, FLT_MAX, 1e-45f, 0.0f, -1.0f};
+  static long long const kTimes[] = {LLONG_MIN, LLONG_MAX, 0, -1, 1, 1LL << 62};
+  static char const* const kTexts[] = {"", "B1", "B2", "null", "a much longer identifier", "\"q\""};
+  auto const oneIn = [&random](std::uint64_t n) { return random() % n == 0; };
+  auto const pick = [&random](auto const& values) { return values[random() % std::size(values)]; };
+  auto const unit = [&random] { return static_cast<double>(random() >> 11) * 0x1.0p-53; };
+  auto const maybe = [&](double plausible) { return oneIn(6) ? pick(kDoubles) : plausible; };
+  auto const maybeInt = [&](int from, int span) {
+    return oneIn(6) ? pick(kInts) : from + static_cast<int>(random() % span);
+  };
+  Input infos(count);
+  for (AggregateScanInfo& info : infos) {
+    info.timeStamp =
+        oneIn(8) ? pick(kTimes) : 1700000000000 + static_cast<long long>(unit() * 3 * 86400000);
+    info.rssi = maybeInt(-100, 61);
+    info.confidence = maybe(unit());
+    info.lon = maybe(8.5417 + 0.004 * (unit() - 0.5));
+    info.lat = maybe(47.3769 + 0.004 * (unit() - 0.5));
+    info.acc = oneIn(6) ? pick(kFloats) : static_cast<float>(3.0 + 57.0 * unit());
+    info.reserved[0] = pick(kInts);
+    info.locationType = maybeInt(0, 3);
+    info.locationSourceType = maybeInt(1, 3);
+    if (oneIn(3)) {
+      info.indoorFlag = maybeInt(1, 1);
+      info.floorId = maybeInt(-2, 8);
+      info.floorAcc = maybeInt(10, 1);
+      info.floorInfo = oneIn(10) ? nullptr : pick(kTexts);
+      info.geoId = pick(kTexts);
+    }
+  }
+  return infos;
+}
+
+// Every record alike, with the given extremes.
+Input uniform(int count, double value, float acc, int rssi, long long time) {
+  Input infos(count, outdoorScan(time, rssi, 0, 0));
+  for (AggregateScanInfo& info : infos) {
+    info.lon = info.lat = info.confidence = value;
+    info.acc = acc;
   }
   return infos;
 }
@@ -42,81 +110,56 @@ TEST(GetAggregateLocation, NullInfosReturnsItsOwnCodeAndWritesNothing) {
   EXPECT_TRUE(capture.lines().empty());
 }
 
-TEST(GetAggregateLocation, EmptyListIsReportedThroughTheResult) {
-  AggregateScanInfo const unread = outdoorScan(1, -50, 0, 0);
-  for (int count : {0, -4}) {
-    LogCapture capture;
-    AggregateLocationResult result;
-    std::memset(&result, 0xAB, sizeof result);
-    char* trace = nullptr;
-    EXPECT_EQ(GetAggregateLocation(&unread, count, &result, &trace), CORVEX_INPUT_INFO_EMPTY);
-    EXPECT_STREQ(
-        trace,
-        R"({"version":"V2.0","errorCode":500010,"errorMsg":"Input info is empty","infoCount":[]})");
-    // Fresh one-byte strings: releasing each with delete[] must be valid.
-    EXPECT_STREQ(result.geoId, "");
-    EXPECT_STREQ(result.floorInfo, "");
-    EXPECT_NE(result.geoId, result.floorInfo);
-    EXPECT_EQ(result.timeStamp, 0);
-    EXPECT_EQ(result.confidence, 1.0);
-    EXPECT_EQ(result.floorId, -100);
-    EXPECT_EQ(result.indoorFlag, 0);
-    delete[] result.geoId;
-    delete[] result.floorInfo;
-    delete[] trace;
-    EXPECT_EQ(capture.lines(), (std::vector<LogLine>{{kError, "infos is null or empty"}}));
-  }
-}
-
 // The return code is the one inside the trace log, whatever the outcome; the caller's records
 // stay as they were, however the calculator reorders and repairs its copies.
 TEST(GetAggregateLocation, ReturnsTheTraceLogsCodeAndLeavesTheInputAlone) {
-  LogCapture capture;
-  std::vector<AggregateScanInfo> faint = walkOfScans(10);
-  std::vector<AggregateScanInfo> loud = walkOfScans(10);
+  Input tooMany = walkOfScans(5001);
+  tooMany[1234].timeStamp = 1800000000000;  // the newest, out of array order
+  tooMany[1234].lon = 9.0;
+  Input faint = walkOfScans(10);
+  Input loud = walkOfScans(10);
   for (std::size_t i = 0; i < 10; ++i) {
     faint[i].rssi = -125;
     loud[i].rssi = 20;
   }
-  std::vector<AggregateScanInfo> repaired = walkOfScans(30);
+  Input repaired = walkOfScans(30);
   repaired[3].rssi = 0;
-  struct Case {
-    std::vector<AggregateScanInfo> infos;
-    int code;
-  };
-  Case const cases[] = {{walkOfScans(1), CORVEX_SUCCESS},
-                        {walkOfScans(8), CORVEX_SUCCESS},
-                        {repaired, CORVEX_SUCCESS},
-                        {faint, CORVEX_CONFIDENCE_ERROR},
-                        {loud, CORVEX_RSSI_OVER_LIMIT}};
-  for (Case const& c : cases) {
-    std::vector<AggregateScanInfo> const before = c.infos;
-    AggregateCall const call = callGetAggregateLocation(c.infos);
-    EXPECT_EQ(call.code, c.code);
+  std::vector<std::pair<Input, int>> const cases = {
+      {{}, CORVEX_INPUT_INFO_EMPTY},    {tooMany, CORVEX_INPUT_INFO_OVER_LIMIT},
+      {walkOfScans(1), CORVEX_SUCCESS}, {walkOfScans(8), CORVEX_SUCCESS},
+      {repaired, CORVEX_SUCCESS},       {faint, CORVEX_CONFIDENCE_ERROR},
+      {loud, CORVEX_RSSI_OVER_LIMIT}};
+  std::vector<AggregateCall> calls;
+  std::vector<std::vector<LogLine>> logs;
+  for (auto const& [infos, code] : cases) {
+    Input const before = infos;
+    LogCapture capture;
+    calls.push_back(callGetAggregateLocation(infos));
+    logs.push_back(capture.lines());
+    AggregateCall const& call = calls.back();
+    EXPECT_EQ(call.code, code);
     EXPECT_EQ(call.code, call.traceErrorCode()) << call.traceLog;
     EXPECT_EQ(call.traceLog.rfind(R"({"version":"V2.0","errorCode":)", 0), 0u) << call.traceLog;
-    EXPECT_TRUE(call.stringsPresent);
-    EXPECT_EQ(std::memcmp(c.infos.data(), before.data(), before.size() * sizeof before[0]), 0);
+    EXPECT_TRUE(call.stringsPresent);  // even when empty: fresh strings the caller releases
+    EXPECT_EQ(std::memcmp(infos.data(), before.data(), before.size() * sizeof before[0]), 0);
     // Without a building the floor fields are not read.
     EXPECT_EQ(call.geoId + call.floorInfo, "");
     EXPECT_EQ(call.result.floorId, -100);
     EXPECT_EQ(call.result.indoorFlag, 0);
   }
-}
-
-TEST(GetAggregateLocation, TooManyRecordsAreRefusedWithTheNewestPosition) {
-  LogCapture capture;
-  std::vector<AggregateScanInfo> infos = walkOfScans(5001);
-  infos[1234].timeStamp = 1800000000000;  // the newest, out of array order
-  infos[1234].lon = 9.0;
-  AggregateCall const call = callGetAggregateLocation(infos);
-  EXPECT_EQ(call.code, CORVEX_INPUT_INFO_OVER_LIMIT);
-  EXPECT_EQ(call.result.timeStamp, 1800000000000);
-  EXPECT_EQ(call.result.lon, 9.0);
-  EXPECT_EQ(call.traceLog,
+  // A failed call hands over the values of its default result.
+  EXPECT_EQ(
+      calls[0].traceLog,
+      R"({"version":"V2.0","errorCode":500010,"errorMsg":"Input info is empty","infoCount":[]})");
+  EXPECT_EQ(calls[0].result.timeStamp, 0);
+  EXPECT_EQ(calls[0].result.confidence, 1.0);
+  EXPECT_EQ(logs[0], (std::vector<LogLine>{{kError, "infos is null or empty"}}));
+  EXPECT_EQ(calls[1].traceLog,
             R"({"version":"V2.0","errorCode":500020,"errorMsg":"The number of input info exceeds )"
             R"(the limit","infoCount":[]})");
-  EXPECT_EQ(capture.messages(kError), std::vector<std::string>{"infos size exceed limit"});
+  EXPECT_EQ(calls[1].result.timeStamp, 1800000000000);
+  EXPECT_EQ(calls[1].result.lon, 9.0);
+  EXPECT_EQ(logs[1], (std::vector<LogLine>{{kError, "infos size exceed limit"}}));
 }
 
 // Hosts load libcorvex.so by name; everything but the entry point must stay internal.
@@ -134,6 +177,84 @@ TEST(GetAggregateLocation, SharedLibraryExportsOnlyTheEntryPoint) {
   }
   ASSERT_EQ(pclose(pipe), 0) << command;
   EXPECT_EQ(symbols, std::set<std::string>{"GetAggregateLocation"});
+}
+
+TEST(GetAggregateLocation, AnswersGarbageWithAKnownCode) {
+  std::set<int> const knownCodes = {CORVEX_SUCCESS,
+                                    CORVEX_UNKNOWN_ERROR,
+                                    CORVEX_INPUT_INFO_EMPTY,
+                                    CORVEX_INPUT_INFO_OVER_LIMIT,
+                                    CORVEX_RSSI_OVER_LIMIT,
+                                    CORVEX_FILTERED_ALL_INFOS,
+                                    CORVEX_ALGORITHM_RUNNING_FAILED,
+                                    CORVEX_CONFIDENCE_ERROR,
+                                    CORVEX_TAG_IS_MOVED};
+  std::mt19937_64 random(20240611);
+  std::vector<Input> inputs = {{}, garbage(random, 5001)};
+  for (int i = 0; i < 300; ++i) {
+    inputs.push_back(
+        garbage(random, static_cast<int>(i % 10 == 0 ? 50 + random() % 151 : random() % 31)));
+  }
+  long long const now = 1700000000000;
+  for (int count : {1, 2, 7, 40}) {
+    inputs.push_back(uniform(count, kNaN, kFloatNaN, -70, now));
+    inputs.push_back(uniform(count, kInf, kFloatInf, -70, now));
+    inputs.push_back(uniform(count, -kInf, -kFloatInf, -70, now));
+    inputs.push_back(uniform(count, 1e308, FLT_MAX, INT_MAX, LLONG_MAX));
+    inputs.push_back(uniform(count, -1e9, -10.0f, INT_MIN, LLONG_MIN));
+    inputs.push_back(uniform(count, 0.0, 0.0f, 0, 0));
+  }
+  Input sideBySide;  // the extreme time stamps next to each other
+  for (long long time : {LLONG_MIN, LLONG_MAX, 0LL, LLONG_MIN + 1, LLONG_MAX - 1, -1LL}) {
+    sideBySide.push_back(outdoorScan(time, -60, sideBySide.size() * 1e-5, 0));
+  }
+  inputs.push_back(sideBySide);
+
+  LogCapture capture;  // keeps the many error lines out of the test output
+  auto const start = std::chrono::steady_clock::now();
+  for (std::size_t i = 0; i < inputs.size(); ++i) {
+    AggregateCall const call = callGetAggregateLocation(inputs[i]);
+    EXPECT_EQ(knownCodes.count(call.code), 1u) << "input " << i << ": " << call.code;
+    EXPECT_TRUE(call.stringsPresent) << "input " << i;
+    EXPECT_EQ(call.code, call.traceErrorCode()) << "input " << i << ": " << call.traceLog;
+    capture.clear();
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(120));
+}
+
+TEST(GetAggregateLocation, ConcurrentCallsMatchSequentialOnes) {
+  LogCapture capture;
+  std::mt19937_64 random(99);
+  std::vector<Input> inputs;
+  for (int i = 0; i < 12; ++i) {
+    inputs.push_back(walkOfScans(20 + i * 5));
+    inputs.push_back(garbage(random, 5 + i * 3));
+  }
+  std::vector<AggregateCall> expected;
+  for (Input const& infos : inputs) {
+    expected.push_back(callGetAggregateLocation(infos));
+  }
+  constexpr std::size_t kThreads = 8;
+  std::vector<std::vector<AggregateCall>> actual(kThreads,
+                                                 std::vector<AggregateCall>(inputs.size()));
+  std::vector<std::thread> threads;
+  for (std::size_t t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&inputs, &actual, t] {
+      // Each thread starts elsewhere so that different inputs overlap in time.
+      for (std::size_t k = 0; k < inputs.size(); ++k) {
+        std::size_t const i = (k + t * 3) % inputs.size();
+        actual[t][i] = callGetAggregateLocation(inputs[i]);
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  for (std::size_t t = 0; t < kThreads; ++t) {
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+      EXPECT_TRUE(actual[t][i].sameAs(expected[i])) << "thread " << t << ", input " << i;
+    }
+  }
 }
 
 }  // namespace
