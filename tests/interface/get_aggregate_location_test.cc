@@ -141,7 +141,8 @@ TEST(GetAggregateLocation, ReturnsTheTraceLogsCodeAndLeavesTheInputAlone) {
     EXPECT_EQ(call.code, call.traceErrorCode()) << call.traceLog;
     EXPECT_EQ(call.traceLog.rfind(R"({"version":"V2.0","errorCode":)", 0), 0u) << call.traceLog;
     EXPECT_TRUE(call.stringsPresent);  // even when empty: fresh strings the caller releases
-    EXPECT_EQ(std::memcmp(infos.data(), before.data(), before.size() * sizeof before[0]), 0);
+    EXPECT_TRUE(infos.empty() ||
+                std::memcmp(infos.data(), before.data(), before.size() * sizeof before[0]) == 0);
     // Without a building the floor fields are not read.
     EXPECT_EQ(call.geoId + call.floorInfo, "");
     EXPECT_EQ(call.result.floorId, -100);
