@@ -60,6 +60,7 @@ Infos row(int count, int rssi = -70, int locationType = 0) {
   return infos;
 }
 
+// The filter pipeline's lines when all count indoor scans survive it.
 Lines pipelineLog(int count) {
   std::string const n = std::to_string(count);
   return {
