@@ -70,54 +70,48 @@ Lines pipelineLog(int count) {
       {kInfo, "Filtered by DBScan stage 1, Infos size: " + n + ", cluster size: 1"}};
 }
 
+// Runs the scans, the newest of them in building B7, and expects the newest scan as reported,
+// with its building when it may vote, the code and the error lines; afterwards the scans are in
+// degrees again, with that newConfidence (0.5 when they were never scored).
+void expectNewestScan(Infos infos, ErrorCode const& code, std::vector<std::string> const& errors,
+                      bool votes, double newConfidence) {
+  SCOPED_TRACE(code.getErrorCode());
+  Infos const given = infos;
+  infos.back().getLastLocation().setIndoorInfo(0, "B7", 4, 12, "4F");
+  LogCapture capture;
+  TagBestLocation const result = CorvexTagPositionCalculator().getPosition(infos);
+  EXPECT_EQ(capture.messages(kError), errors);
+  LastLocation const& newest = given.back().getLastLocationConst();
+  TagBestLocation expected(newest.getLon(), newest.getLat(), kNow, 0.9, 10.0f);
+  expected.setRunTimeStamp(kNow);
+  expected.setErrorCode(code);
+  if (votes) {
+    expected.setIndoorFlag(1);
+    expected.setGeoId("B7");
+    expected.setFloorId(4);
+    expected.setFloorAcc(12);
+  }
+  EXPECT_EQ(describe(result), describe(expected));
+  EXPECT_EQ(result.getLon(), newest.getLon());
+  for (std::size_t i = 0; i < infos.size(); i += 1000) {
+    EXPECT_NEAR(infos[i].getLastLocationConst().getLat(), given[i].getLastLocationConst().getLat(),
+                1e-9);
+    EXPECT_EQ(infos[i].getNewConfidence(), newConfidence);
+  }
+}
+
 TEST(CorvexTagPositionCalculator, FailuresReturnTheNewestScanWithTheirCode) {
   Infos none;
   LogCapture capture;
   EXPECT_EQ(CorvexTagPositionCalculator().getPosition(none).getErrorCode(),
             ErrorCode::INPUT_INFO_EMPTY);
   EXPECT_EQ(capture.lines(), (Lines{{kError, "infos is null or empty"}}));
-  struct Case {
-    Infos infos;
-    ErrorCode code;
-    std::vector<std::string> errors;
-    bool votes;            // the newest scan may vote on its building
-    double newConfidence;  // of every scan afterwards; 0.5 is unscored
-  };
-  Case const cases[] = {
-      {row(5001), ErrorCode::INPUT_INFO_OVER_LIMIT, {"infos size exceed limit"}, true, 0.5},
-      // Outdoors, signals below -120 dBm: the scoring finds no proactive satellite fixes to
-      // judge cohesion on, says so, and scores every scan 0.
-      {row(3, -125, 1),
-       ErrorCode::CONFIDENCE_ERROR,
-       {"infos == null or is empty", "All of new confidences are 0"},
-       false,
-       0.0},
-  };
-  for (Case const& c : cases) {
-    SCOPED_TRACE(c.code.getErrorCode());
-    Infos infos = c.infos;
-    infos.back().getLastLocation().setIndoorInfo(0, "B7", 4, 12, "4F");
-    capture.clear();
-    TagBestLocation const result = CorvexTagPositionCalculator().getPosition(infos);
-    EXPECT_EQ(capture.messages(kError), c.errors);
-    LastLocation const& newest = c.infos.back().getLastLocationConst();
-    TagBestLocation expected(newest.getLon(), newest.getLat(), kNow, 0.9, 10.0f);
-    expected.setRunTimeStamp(kNow);
-    expected.setErrorCode(c.code);
-    if (c.votes) {  // the newest scan's indoor information travels with the default result
-      expected.setIndoorFlag(1);
-      expected.setGeoId("B7");
-      expected.setFloorId(4);
-      expected.setFloorAcc(12);
-    }
-    EXPECT_EQ(describe(result), describe(expected));
-    EXPECT_EQ(result.getLon(), newest.getLon());
-    for (std::size_t i = 0; i < infos.size(); i += 1000) {
-      EXPECT_NEAR(infos[i].getLastLocationConst().getLat(),
-                  c.infos[i].getLastLocationConst().getLat(), 1e-9);
-      EXPECT_EQ(infos[i].getNewConfidence(), c.newConfidence);
-    }
-  }
+  expectNewestScan(row(5001), ErrorCode::INPUT_INFO_OVER_LIMIT, {"infos size exceed limit"}, true,
+                   0.5);
+  // Outdoors, signals below -120 dBm: the scoring finds no proactive satellite fixes to judge
+  // cohesion on, says so, and scores every scan 0.
+  expectNewestScan(row(3, -125, 1), ErrorCode::CONFIDENCE_ERROR,
+                   {"infos == null or is empty", "All of new confidences are 0"}, false, 0.0);
   Infos fiveThousand = row(5000);
   EXPECT_EQ(CorvexTagPositionCalculator().getPosition(fiveThousand).getErrorCode(),
             ErrorCode::SUCCESS);

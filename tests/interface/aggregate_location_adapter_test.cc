@@ -31,28 +31,20 @@ TEST(AggregateLocationAdapter, CopiesScanFieldsWithDefaultsForTheRest) {
             "isEnu = 0}, arStatus=0, stepCount=0, confidence=0.9, newConfidence=0, kindTransID=}");
 }
 
+// geoId/floorInfo/indoorFlag/floorId/floorAcc of the record read from an indoor element.
+std::string indoorFields(const char* geoId, const char* floorInfo) {
+  LastLocation const location =
+      AggregateLocationAdapter::toScanInfo(indoorInfo(geoId, floorInfo)).getLastLocationConst();
+  return location.getGeoId() + "/" + location.getFloorInfo() + "/" +
+         std::to_string(location.getIndoorFlag()) + "/" + std::to_string(location.getFloorId()) +
+         "/" + std::to_string(location.getFloorAcc());
+}
+
 TEST(AggregateLocationAdapter, IndoorFieldsNeedABuildingIdentifier) {
-  struct Case {
-    const char* geoId;
-    const char* floorInfo;
-    std::string expected;  // geoId/floorInfo/indoorFlag/floorId/floorAcc
-  };
-  Case const cases[] = {
-      {nullptr, "F3", "//0/-100/0"},  // no building: the indoor fields are ignored
-      {"B", "", "B//1/3/2"},
-      {"B", nullptr, "B//1/3/2"},  // a caller slip reads as an empty floor text
-      {"", "F1", "/F1/1/3/2"},
-  };
-  for (Case const& c : cases) {
-    LastLocation const location =
-        AggregateLocationAdapter::toScanInfo(indoorInfo(c.geoId, c.floorInfo))
-            .getLastLocationConst();
-    EXPECT_EQ(location.getGeoId() + "/" + location.getFloorInfo() + "/" +
-                  std::to_string(location.getIndoorFlag()) + "/" +
-                  std::to_string(location.getFloorId()) + "/" +
-                  std::to_string(location.getFloorAcc()),
-              c.expected);
-  }
+  EXPECT_EQ(indoorFields(nullptr, "F3"), "//0/-100/0");  // without a building all are ignored
+  EXPECT_EQ(indoorFields("B", ""), "B//1/3/2");
+  EXPECT_EQ(indoorFields("B", nullptr), "B//1/3/2");  // a caller slip reads as an empty text
+  EXPECT_EQ(indoorFields("", "F1"), "/F1/1/3/2");
 }
 
 TEST(AggregateLocationAdapter, ReadsExactlyCountRecordsInArrayOrder) {
