@@ -70,8 +70,9 @@ TEST(GetAggregateLocation, AnswersMemoryExhaustionWithUnknownError) {
     infos[i].geoId = i % 2 == 0 ? "a building identifier longer than small strings" : nullptr;
     infos[i].floorInfo = "a floor description longer than small strings";
   }
-  // Exhausted for good after the first failure, then a single failed allocation.
-  for (bool once : {false, true}) {
+  // A single failed allocation leaves memory for the fallback result; exhaustion for good
+  // leaves the three strings null.
+  for (bool once : {true, false}) {
     failOnce = once;
     int failedCalls = 0;
     for (long failAt = 0; failedCalls == failAt; ++failAt) {  // until a call succeeds
@@ -85,13 +86,14 @@ TEST(GetAggregateLocation, AnswersMemoryExhaustionWithUnknownError) {
       if (allocationFailed) {
         ++failedCalls;
         EXPECT_EQ(code, CORVEX_UNKNOWN_ERROR) << "failing allocation " << failAt;
-        if (trace != nullptr) {  // the fallback result could be published
+        if (once) {
           EXPECT_STREQ(
               trace,
               R"({"version":"V2.0","errorCode":-1,"errorMsg":"Unknown error","infoCount":[]})");
           EXPECT_STREQ(result.geoId, "");
           EXPECT_STREQ(result.floorInfo, "");
         } else {
+          EXPECT_EQ(trace, nullptr);
           EXPECT_EQ(result.geoId, nullptr);
           EXPECT_EQ(result.floorInfo, nullptr);
         }
