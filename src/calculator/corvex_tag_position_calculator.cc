@@ -30,15 +30,6 @@ TagBestLocation newestScanResult(BleScanInfoWithConfidence const& newest) {
   return result;
 }
 
-// Oldest scan first. Stable, so that equal time stamps keep a reproducible order.
-void sortByScanTime(std::vector<BleScanInfoWithConfidence>& infos) {
-  std::stable_sort(infos.begin(), infos.end(),
-                   [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
-                     return a.getBlueToothRecordConst().getTimeStamp() <
-                            b.getBlueToothRecordConst().getTimeStamp();
-                   });
-}
-
 }  // namespace
 
 TagBestLocation CorvexTagPositionCalculator::getPosition(
@@ -47,7 +38,7 @@ TagBestLocation CorvexTagPositionCalculator::getPosition(
     CorvexTagLogger::getInstance().error("infos is null or empty");
     return TagBestLocation(ErrorCode::INPUT_INFO_EMPTY);
   }
-  sortByScanTime(infos);
+  BleScanInfoFilters::sortByTimeStamp(infos);
   BleScanInfoWithConfidence const latest = infos.back();
   TagBestLocation defaultResult = newestScanResult(latest);
   setResultIndoorInfo(defaultResult, {latest});

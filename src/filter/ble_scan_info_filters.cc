@@ -57,21 +57,6 @@ void appendCount(std::vector<int>& infoCount, std::vector<BleScanInfoWithConfide
   infoCount.push_back(static_cast<int>(infos.size()));
 }
 
-// Stable, ascending scan time; indices are sorted so that no record moves more than once.
-std::vector<BleScanInfoWithConfidence> sortedByTime(std::vector<BleScanInfoWithConfidence> infos) {
-  std::vector<size_t> order(infos.size());
-  std::iota(order.begin(), order.end(), size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&infos](size_t a, size_t b) {
-    return timeStampOf(infos[a]) < timeStampOf(infos[b]);
-  });
-  std::vector<BleScanInfoWithConfidence> sorted;
-  sorted.reserve(infos.size());
-  for (size_t index : order) {
-    sorted.push_back(std::move(infos[index]));
-  }
-  return sorted;
-}
-
 void removeOlderThanSixHours(std::vector<BleScanInfoWithConfidence>& infos) {
   long long newest = timeStampOf(infos.back());
   infos.erase(std::remove_if(infos.begin(), infos.end(),
@@ -114,7 +99,23 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
     appendCount(infoCount, result);
     logInfo("Infos size(Filtered by distance std): " + std::to_string(result.size()));
   }
-  return sortedByTime(std::move(result));
+  sortByTimeStamp(result);
+  return result;
+}
+
+// Indices are sorted so that no record moves more than once.
+void BleScanInfoFilters::sortByTimeStamp(std::vector<BleScanInfoWithConfidence>& infos) {
+  std::vector<size_t> order(infos.size());
+  std::iota(order.begin(), order.end(), size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&infos](size_t a, size_t b) {
+    return timeStampOf(infos[a]) < timeStampOf(infos[b]);
+  });
+  std::vector<BleScanInfoWithConfidence> sorted;
+  sorted.reserve(infos.size());
+  for (size_t index : order) {
+    sorted.push_back(std::move(infos[index]));
+  }
+  infos = std::move(sorted);
 }
 
 void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos,

@@ -25,6 +25,9 @@ class BleScanInfoFilters {
       std::vector<BleScanInfoWithConfidence> const& infos, std::vector<int>& infoCount);
 
   // Replaces `infos` by one cluster of its records (see the stage for radius and chooser).
+  // Orders records by scan time, oldest first; stable, so equal times keep their order. The
+  // pipeline and the main calculator share this one order.
+  static void sortByTimeStamp(std::vector<BleScanInfoWithConfidence>& infos);
   static void dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos, DbscanStage stage);
   static void printClusterResult(ClusterList const& clusters);
   // "[a, b]", or "[]" when empty.
