@@ -1,6 +1,5 @@
 #include "calculator/corvex_tag_position_calculator.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <utility>
 
