@@ -9,13 +9,17 @@ CorvexTagLogger& CorvexTagLogger::getInstance() {
   return instance;
 }
 
+bool CorvexTagLogger::isLoggable(Level level) const {
+  return PlatformLogIsLoggable(kDomain, kTag, level);
+}
+
 void CorvexTagLogger::print(int level, std::string const& message) {
   PlatformLogPrint(kLogType, level, kDomain, kTag, kFormat, message.c_str());
 }
 
-void CorvexTagLogger::debug(std::string const& message) { print(kPlatformLogDebug, message); }
-void CorvexTagLogger::info(std::string const& message) { print(kPlatformLogInfo, message); }
-void CorvexTagLogger::warn(std::string const& message) { print(kPlatformLogWarn, message); }
-void CorvexTagLogger::error(std::string const& message) { print(kPlatformLogError, message); }
+void CorvexTagLogger::debug(std::string const& message) { print(kDebug, message); }
+void CorvexTagLogger::info(std::string const& message) { print(kInfo, message); }
+void CorvexTagLogger::warn(std::string const& message) { print(kWarn, message); }
+void CorvexTagLogger::error(std::string const& message) { print(kError, message); }
 
 }  // namespace Vantis::Location

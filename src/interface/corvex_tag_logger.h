@@ -15,7 +15,14 @@ class CorvexTagLogger {
   static constexpr const char* kTag = "Mirelth";
   static constexpr const char* kFormat = "%{public}s\n";
 
+  // Platform level values of the four operations.
+  enum Level : int { kDebug = 3, kInfo = 4, kWarn = 5, kError = 6 };
+
   static CorvexTagLogger& getInstance();
+
+  // Whether a message of this level would be kept anywhere; callers skip building messages
+  // that nobody keeps.
+  bool isLoggable(Level level) const;
 
   void debug(std::string const& message);
   void info(std::string const& message);

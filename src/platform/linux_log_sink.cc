@@ -3,12 +3,14 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
+
+#include "platform/log_capture.h"
 
 namespace Vantis::Location {
 namespace {
@@ -59,17 +61,6 @@ std::string formatArguments(const char* fmt, va_list args) {
     c = directive;
   }
   return out;
-}
-
-struct HookSlot {
-  std::mutex mutex;
-  std::atomic<PlatformLogHook> hook{nullptr};
-  void* context = nullptr;
-};
-
-HookSlot& hookSlot() {
-  static HookSlot slot;
-  return slot;
 }
 
 }  // namespace
@@ -155,28 +146,23 @@ int PlatformLogPrint(int /*type*/, int level, unsigned int domain, const char* t
   std::string text = formatArguments(fmt, args);
   va_end(args);
 
-  HookSlot& slot = hookSlot();
-  if (slot.hook.load(std::memory_order_acquire) != nullptr) {
-    std::lock_guard<std::mutex> lock(slot.mutex);
-    PlatformLogHook hook = slot.hook.load(std::memory_order_relaxed);
-    if (hook != nullptr) {
-      std::string message = text;
-      if (!message.empty() && message.back() == '\n') {
-        message.pop_back();
-      }
-      hook(slot.context, level, message);
-      return static_cast<int>(text.size());
+  int const length = static_cast<int>(text.size());
+  if (LogCapture* capture = LogCapture::current()) {
+    if (!text.empty() && text.back() == '\n') {
+      text.pop_back();
     }
+    capture->add(level, std::move(text));
+    return length;
   }
   LinuxLogSink::fromEnvironment().write(level, domain, tag, text);
-  return static_cast<int>(text.size());
+  return length;
 }
 
-void SetPlatformLogHookForTesting(PlatformLogHook hook, void* context) {
-  HookSlot& slot = hookSlot();
-  std::lock_guard<std::mutex> lock(slot.mutex);
-  slot.context = context;
-  slot.hook.store(hook, std::memory_order_release);
+bool PlatformLogIsLoggable(unsigned int /*domain*/, const char* /*tag*/, int level) {
+  if (LogCapture const* capture = LogCapture::current()) {
+    return capture->keeps(level);
+  }
+  return LinuxLogSink::fromEnvironment().keeps(level);
 }
 
 }  // namespace Vantis::Location

@@ -56,14 +56,14 @@ class LinuxLogSink {
 // The platform print call. Supports the directives the system uses: "%{public}s",
 // "%{private}s" and "%s" each take one const char* argument (a null one prints "(null)"),
 // "%%" prints a percent sign; every other character is copied. Arguments are never
-// reinterpreted as formats. Returns the number of characters of the formatted text.
+// reinterpreted as formats. Lines logged on a thread with a LogCapture go to the capture
+// instead of the sink. Returns the number of characters of the formatted text.
 int PlatformLogPrint(int type, int level, unsigned int domain, const char* tag, const char* fmt,
                      ...);
 
-// Test-only interception: while a hook is installed, every formatted message (all levels,
-// without its trailing line end) goes to the hook instead of the sink.
-using PlatformLogHook = void (*)(void* context, int level, std::string const& message);
-void SetPlatformLogHookForTesting(PlatformLogHook hook, void* context);
+// Whether a line of this level would be kept (by the calling thread's LogCapture, if any, or
+// else by the sink), so that callers can skip building a message nobody keeps.
+bool PlatformLogIsLoggable(unsigned int domain, const char* tag, int level);
 
 }  // namespace Vantis::Location
 

@@ -241,6 +241,7 @@ TEST(GetAggregateLocation, ConcurrentCallsMatchSequentialOnes) {
   std::vector<std::thread> threads;
   for (std::size_t t = 0; t < kThreads; ++t) {
     threads.emplace_back([&inputs, &actual, t] {
+      LogCapture threadCapture;  // lines are captured per thread
       // Each thread starts elsewhere so that different inputs overlap in time.
       for (std::size_t k = 0; k < inputs.size(); ++k) {
         std::size_t const i = (k + t * 3) % inputs.size();

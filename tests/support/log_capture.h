@@ -1,11 +1,12 @@
-// Captures the library's log lines in-process for the lifetime of the object.
+// Captures the library's log lines of the calling thread for the lifetime of the object.
 #ifndef CORVEX_TESTS_SUPPORT_LOG_CAPTURE_H_
 #define CORVEX_TESTS_SUPPORT_LOG_CAPTURE_H_
 
 #include <iosfwd>
-#include <mutex>
 #include <string>
 #include <vector>
+
+#include "platform/log_capture.h"
 
 namespace corvex_test {
 
@@ -28,22 +29,14 @@ constexpr int kError = 6;
 
 class LogCapture {
  public:
-  LogCapture();
-  ~LogCapture();
-  LogCapture(LogCapture const&) = delete;
-  LogCapture& operator=(LogCapture const&) = delete;
-
   std::vector<LogLine> lines() const;
   std::vector<std::string> messages() const;
   // Messages logged at one level only.
   std::vector<std::string> messages(int level) const;
-  void clear();
+  void clear() { capture_.take(); }
 
  private:
-  static void record(void* context, int level, std::string const& message);
-
-  mutable std::mutex mutex_;
-  std::vector<LogLine> lines_;
+  Vantis::Location::LogCapture capture_{kDebug};
 };
 
 }  // namespace corvex_test
