@@ -1,0 +1,229 @@
+#include "tools/explain_report.h"
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "geometry/coordinate_converter.h"
+
+namespace corvex_cli {
+namespace {
+
+using nlohmann::ordered_json;
+using Vantis::Location::CoordinateConverter;
+
+// The page template (tools/explain_page.html), embedded at build time.
+constexpr char kPage[] =
+#include "tools/explain_page.inc"
+    ;
+
+char const* stageName(ExplainModel::Stage stage) {
+  switch (stage) {
+    case ExplainModel::Stage::kTooOld:
+      return "age";
+    case ExplainModel::Stage::kKindTransId:
+      return "kind";
+    case ExplainModel::Stage::kLowConfidence:
+      return "confidence";
+    case ExplainModel::Stage::kWideCluster:
+      return "cluster400";
+    case ExplainModel::Stage::kNearCluster:
+      return "cluster60";
+    case ExplainModel::Stage::kGnssAnchor:
+      return "gnss";
+    case ExplainModel::Stage::kSpread:
+      return "spread";
+    case ExplainModel::Stage::kKept:
+      return "kept";
+    case ExplainModel::Stage::kNotReached:
+      break;
+  }
+  return "none";
+}
+
+char levelLetter(int level) {
+  static constexpr char kLetters[] = "DIWE";
+  return level >= 3 && level <= 6 ? kLetters[level - 3] : '?';
+}
+
+// The map's origin: the estimate when it is a position, else the newest record with a fix.
+std::vector<double> mapOrigin(ExplainModel const& model, bool estimateDrawn) {
+  if (estimateDrawn) {
+    return {model.result.lon, model.result.lat};
+  }
+  std::vector<double> origin{0.0, 0.0};
+  long long newest = 0;
+  bool found = false;
+  for (ScanRow const& row : model.rows) {
+    AggregateScanInfo const& info = row.info;
+    if (std::isfinite(info.lon) && std::isfinite(info.lat) && (!found || info.timeStamp > newest)) {
+      origin = {info.lon, info.lat};
+      newest = info.timeStamp;
+      found = true;
+    }
+  }
+  return origin;
+}
+
+// East and north (metres) of a position, with the library's own local-plane conversion.
+ordered_json place(double lon, double lat, std::vector<double> const& origin) {
+  std::vector<double> const enu = CoordinateConverter::gpsConvertENU(lon, lat, origin);
+  return {{"e", enu[0]}, {"n", enu[1]}, {"lon", lon}, {"lat", lat}};
+}
+
+ordered_json recordJson(ScanRow const& row, ExplainModel::Stage stage,
+                        std::vector<double> const& origin) {
+  AggregateScanInfo const& info = row.info;
+  ordered_json record = place(info.lon, info.lat, origin);
+  record["stage"] = stageName(stage);
+  record["t"] = info.timeStamp;
+  record["rssi"] = info.rssi;
+  record["conf"] = info.confidence;
+  record["acc"] = info.acc;
+  record["type"] = info.locationType;
+  record["source"] = info.locationSourceType;
+  if (!row.geoId.empty()) {
+    record["geoId"] = row.geoId;
+    record["indoor"] = info.indoorFlag;
+    record["floor"] = info.floorId;
+    record["floorAcc"] = info.floorAcc;
+    record["floorInfo"] = row.floorInfo;
+  }
+  return record;
+}
+
+ordered_json estimateJson(ExplainModel::Estimate const& estimate,
+                          std::vector<double> const& origin) {
+  ordered_json json = place(estimate.lon, estimate.lat, origin);
+  json["acc"] = estimate.acc;
+  json["code"] = estimate.code;
+  json["runTimeStamp"] = estimate.runTimeStamp;
+  json["drawn"] = ExplainReport::positionIsMeaningful(estimate.code) &&
+                  std::isfinite(estimate.lon) && std::isfinite(estimate.lat);
+  return json;
+}
+
+ordered_json votesJson(std::vector<ExplainModel::Vote> const& votes) {
+  ordered_json json = ordered_json::array();
+  for (ExplainModel::Vote const& vote : votes) {
+    json.push_back({vote.value, vote.count});
+  }
+  return json;
+}
+
+ordered_json resultJson(ExplainModel const& model, std::vector<double> const& origin) {
+  AggregateLocationResult const& result = model.result;
+  ordered_json json = place(result.lon, result.lat, origin);
+  json["acc"] = result.acc;
+  json["confidence"] = result.confidence;
+  json["timeStamp"] = result.timeStamp;
+  json["runTimeStamp"] = result.runTimeStamp;
+  json["indoorFlag"] = result.indoorFlag;
+  json["geoId"] = model.geoId;
+  json["floorId"] = result.floorId;
+  json["floorAcc"] = result.floorAcc;
+  json["floorInfo"] = model.floorInfo;
+  return json;
+}
+
+ordered_json pageData(ExplainModel const& model, bool tiles) {
+  // The trace is JSON apart from its unescaped message, which never holds a quote.
+  ordered_json const trace = ordered_json::parse(model.traceLog, nullptr, false);
+  bool const traceRead = trace.is_object();
+  bool const drawn = ExplainReport::positionIsMeaningful(model.code) &&
+                     std::isfinite(model.result.lon) && std::isfinite(model.result.lat);
+  std::vector<double> const origin = mapOrigin(model, drawn);
+  ordered_json data;
+  data["tag"] = model.tag;
+  data["code"] = model.code;
+  data["message"] = traceRead ? trace.value("errorMsg", "") : "";
+  data["infoCount"] =
+      traceRead ? trace.value("infoCount", ordered_json::array()) : ordered_json::array();
+  data["trace"] = model.traceLog;
+  data["tiles"] = tiles;
+  data["origin"] = {{"lon", origin[0]}, {"lat", origin[1]}};
+  data["result"] = resultJson(model, origin);
+  data["result"]["drawn"] = drawn;
+  data["mainPath"] = model.mainPathSolved ? estimateJson(model.mainPath, origin) : nullptr;
+  data["kmeans"] = model.kmeansRan ? estimateJson(model.kmeans, origin) : nullptr;
+  data["winner"] = model.winner;
+  data["fit"] = model.fit;
+  data["buildings"] = votesJson(model.buildingVotes);
+  data["floors"] = votesJson(model.floorVotes);
+  ordered_json& records = data["records"] = ordered_json::array();
+  for (size_t i = 0; i < model.rows.size(); ++i) {
+    records.push_back(recordJson(model.rows[i], model.stages[i], origin));
+  }
+  ordered_json& log = data["log"] = ordered_json::array();
+  for (Vantis::Location::LogCapture::Line const& line : model.log) {
+    log.push_back({std::string(1, levelLetter(line.level)), line.message});
+  }
+  return data;
+}
+
+// JSON that can sit inside a script element: '<' only occurs within strings, where \u003c
+// means the same and cannot close the element.
+std::string scriptSafeJson(ordered_json const& data) {
+  std::string const text = data.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+  std::string safe;
+  safe.reserve(text.size());
+  for (char c : text) {
+    safe += c == '<' ? std::string("\\u003c") : std::string(1, c);
+  }
+  return safe;
+}
+
+// Replaces each "@NAME@" of the template by its value; values are not scanned again.
+std::string fillTemplate(std::string const& page,
+                         std::vector<std::pair<std::string, std::string>> const& values) {
+  std::string out;
+  size_t from = 0;
+  while (true) {
+    size_t best = std::string::npos;
+    std::pair<std::string, std::string> const* chosen = nullptr;
+    for (auto const& value : values) {
+      size_t const at = page.find(value.first, from);
+      if (at < best) {
+        best = at;
+        chosen = &value;
+      }
+    }
+    if (chosen == nullptr) {
+      break;
+    }
+    out.append(page, from, best - from);
+    out += chosen->second;
+    from = best + chosen->first.size();
+  }
+  out.append(page, from, std::string::npos);
+  return out;
+}
+
+// Leaflet arrives as trusted library text; only its end marker could end the element early.
+std::string inlineable(std::string text, std::string const& closer) {
+  for (size_t at = text.find(closer); at != std::string::npos; at = text.find(closer, at)) {
+    text.replace(at, 2, "<\\/");
+  }
+  return text;
+}
+
+}  // namespace
+
+bool ExplainReport::positionIsMeaningful(int code) {
+  return code != CORVEX_RSSI_OVER_LIMIT && code != CORVEX_UNKNOWN_ERROR &&
+         code != CORVEX_INPUT_INFO_EMPTY;
+}
+
+std::string ExplainReport::render(ExplainModel const& model, Tiles const* tiles) {
+  std::string style;
+  std::string script;
+  if (tiles != nullptr) {
+    style = "<style>" + inlineable(tiles->style, "</style") + "</style>";
+    script = "<script>" + inlineable(tiles->script, "</script") + "</script>";
+  }
+  return fillTemplate(kPage, {{"@CORVEX_DATA@", scriptSafeJson(pageData(model, tiles != nullptr))},
+                              {"@LEAFLET_STYLE@", style},
+                              {"@LEAFLET_SCRIPT@", script}});
+}
+
+}  // namespace corvex_cli
