@@ -6,6 +6,7 @@
 #include <memory>
 #include <sstream>
 
+#include "interface/locate_with_trace.h"
 #include "platform/linux_log_sink.h"
 #include "tools/explain_report.h"
 #include "tools/scan_table_reader.h"
@@ -107,13 +108,12 @@ ExplainModel ExplainCommand::explain(TagScans const& tag) {
   ExplainModel model;
   model.tag = tag.tag;
   model.rows = tag.rows;
-  model.stages.assign(tag.rows.size(), ExplainModel::Stage::kNotReached);
   std::vector<AggregateScanInfo> const infos = tag.toScanInfos();
   char* traceLog = nullptr;
   {
     Vantis::Location::LogCapture capture(Vantis::Location::kPlatformLogDebug);
-    model.code = GetAggregateLocation(infos.data(), static_cast<int>(infos.size()), &model.result,
-                                      &traceLog);
+    model.code = Vantis::Location::locateWithTrace(infos.data(), static_cast<int>(infos.size()),
+                                                   &model.result, &traceLog, &model.trace);
     model.log = capture.take();
   }
   // The library hands the three strings over; they are released with delete[].

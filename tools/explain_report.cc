@@ -1,7 +1,9 @@
 #include "tools/explain_report.h"
 
 #include <cmath>
+#include <iomanip>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <vector>
 
 #include "geometry/coordinate_converter.h"
@@ -17,25 +19,28 @@ constexpr char kPage[] =
 #include "tools/explain_page.inc"
     ;
 
-char const* stageName(ExplainModel::Stage stage) {
-  switch (stage) {
-    case ExplainModel::Stage::kTooOld:
+using Fate = Vantis::Location::LocateTrace::Fate;
+
+// The page's name of each fate; unknown values read as not reached.
+char const* stageName(Fate fate) {
+  switch (fate) {
+    case Fate::kAgeCut:
       return "age";
-    case ExplainModel::Stage::kKindTransId:
+    case Fate::kKindTransId:
       return "kind";
-    case ExplainModel::Stage::kLowConfidence:
+    case Fate::kConfidenceCut:
       return "confidence";
-    case ExplainModel::Stage::kWideCluster:
+    case Fate::kDynamicCluster:
       return "cluster400";
-    case ExplainModel::Stage::kNearCluster:
+    case Fate::kStaticCluster:
       return "cluster60";
-    case ExplainModel::Stage::kGnssAnchor:
+    case Fate::kGnssOffset:
       return "gnss";
-    case ExplainModel::Stage::kSpread:
+    case Fate::kSpreadTrim:
       return "spread";
-    case ExplainModel::Stage::kKept:
+    case Fate::kKept:
       return "kept";
-    case ExplainModel::Stage::kNotReached:
+    case Fate::kNotReached:
       break;
   }
   return "none";
@@ -45,6 +50,8 @@ char levelLetter(int level) {
   static constexpr char kLetters[] = "DIWE";
   return level >= 3 && level <= 6 ? kLetters[level - 3] : '?';
 }
+
+bool finitePosition(double lon, double lat) { return std::isfinite(lon) && std::isfinite(lat); }
 
 // The map's origin: the estimate when it is a position, else the newest record with a fix.
 std::vector<double> mapOrigin(ExplainModel const& model, bool estimateDrawn) {
@@ -56,7 +63,7 @@ std::vector<double> mapOrigin(ExplainModel const& model, bool estimateDrawn) {
   bool found = false;
   for (ScanRow const& row : model.rows) {
     AggregateScanInfo const& info = row.info;
-    if (std::isfinite(info.lon) && std::isfinite(info.lat) && (!found || info.timeStamp > newest)) {
+    if (finitePosition(info.lon, info.lat) && (!found || info.timeStamp > newest)) {
       origin = {info.lon, info.lat};
       newest = info.timeStamp;
       found = true;
@@ -71,11 +78,10 @@ ordered_json place(double lon, double lat, std::vector<double> const& origin) {
   return {{"e", enu[0]}, {"n", enu[1]}, {"lon", lon}, {"lat", lat}};
 }
 
-ordered_json recordJson(ScanRow const& row, ExplainModel::Stage stage,
-                        std::vector<double> const& origin) {
+ordered_json recordJson(ScanRow const& row, Fate fate, std::vector<double> const& origin) {
   AggregateScanInfo const& info = row.info;
   ordered_json record = place(info.lon, info.lat, origin);
-  record["stage"] = stageName(stage);
+  record["stage"] = stageName(fate);
   record["t"] = info.timeStamp;
   record["rssi"] = info.rssi;
   record["conf"] = info.confidence;
@@ -92,23 +98,58 @@ ordered_json recordJson(ScanRow const& row, ExplainModel::Stage stage,
   return record;
 }
 
-ordered_json estimateJson(ExplainModel::Estimate const& estimate,
-                          std::vector<double> const& origin) {
-  ordered_json json = place(estimate.lon, estimate.lat, origin);
-  json["acc"] = estimate.acc;
-  json["code"] = estimate.code;
-  json["runTimeStamp"] = estimate.runTimeStamp;
-  json["drawn"] = ExplainReport::positionIsMeaningful(estimate.code) &&
-                  std::isfinite(estimate.lon) && std::isfinite(estimate.lat);
+// One calculator's answer; "drawn" when it is a place, "solved" when the fit produced it.
+ordered_json outcomeJson(Vantis::Location::LocateTrace::Outcome const& outcome,
+                         std::vector<double> const& origin) {
+  if (!outcome.ran) {
+    return nullptr;
+  }
+  ordered_json json = place(outcome.lon, outcome.lat, origin);
+  json["acc"] = outcome.acc;
+  json["code"] = outcome.code;
+  json["runTimeStamp"] = outcome.runTimeStamp;
+  json["drawn"] = finitePosition(outcome.lon, outcome.lat);
+  json["solved"] = outcome.code == CORVEX_SUCCESS || outcome.code == CORVEX_RSSI_OVER_LIMIT;
   return json;
 }
 
-ordered_json votesJson(std::vector<ExplainModel::Vote> const& votes) {
+template <typename Value>
+ordered_json votesJson(std::vector<std::pair<Value, int>> const& counts) {
   ordered_json json = ordered_json::array();
-  for (ExplainModel::Vote const& vote : votes) {
-    json.push_back({vote.value, vote.count});
+  for (auto const& [value, count] : counts) {
+    json.push_back({value, count});
   }
   return json;
+}
+
+std::string fixed(double value, int decimals) {
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(decimals) << value;
+  return text.str();
+}
+
+ordered_json fitJson(Vantis::Location::LocateTrace const& trace) {
+  using Solver = Vantis::Location::LocateTrace::Solver;
+  ordered_json fit = ordered_json::array();
+  if (trace.hasReference) {
+    fit.push_back({"plane origin", fixed(trace.referenceLat, 7) + ", " +
+                                       fixed(trace.referenceLon, 7) + " (oldest record)"});
+  }
+  switch (trace.solver) {
+    case Solver::kNone:
+      fit.push_back({"solver", "none: the call ended before solving"});
+      break;
+    case Solver::kWeightedMean:
+      fit.push_back({"solver", "weighted mean of the used records"});
+      break;
+    case Solver::kLeastSquares:
+      fit.push_back({"solver", "least-squares range fit"});
+      fit.push_back({"iterations", std::to_string(trace.solverIterations)});
+      fit.push_back({"evaluations", std::to_string(trace.solverEvaluations)});
+      fit.push_back({"residual RMS", fixed(trace.solverRms, 2) + " m"});
+      break;
+  }
+  return fit;
 }
 
 ordered_json resultJson(ExplainModel const& model, std::vector<double> const& origin) {
@@ -128,31 +169,36 @@ ordered_json resultJson(ExplainModel const& model, std::vector<double> const& or
 
 ordered_json pageData(ExplainModel const& model, bool tiles) {
   // The trace is JSON apart from its unescaped message, which never holds a quote.
-  ordered_json const trace = ordered_json::parse(model.traceLog, nullptr, false);
-  bool const traceRead = trace.is_object();
+  ordered_json const traceJson = ordered_json::parse(model.traceLog, nullptr, false);
+  bool const traceRead = traceJson.is_object();
   bool const drawn = ExplainReport::positionIsMeaningful(model.code) &&
-                     std::isfinite(model.result.lon) && std::isfinite(model.result.lat);
+                     finitePosition(model.result.lon, model.result.lat);
   std::vector<double> const origin = mapOrigin(model, drawn);
   ordered_json data;
   data["tag"] = model.tag;
   data["code"] = model.code;
-  data["message"] = traceRead ? trace.value("errorMsg", "") : "";
+  data["message"] = traceRead ? traceJson.value("errorMsg", "") : "";
   data["infoCount"] =
-      traceRead ? trace.value("infoCount", ordered_json::array()) : ordered_json::array();
+      traceRead ? traceJson.value("infoCount", ordered_json::array()) : ordered_json::array();
   data["trace"] = model.traceLog;
   data["tiles"] = tiles;
   data["origin"] = {{"lon", origin[0]}, {"lat", origin[1]}};
   data["result"] = resultJson(model, origin);
   data["result"]["drawn"] = drawn;
-  data["mainPath"] = model.mainPathSolved ? estimateJson(model.mainPath, origin) : nullptr;
-  data["kmeans"] = model.kmeansRan ? estimateJson(model.kmeans, origin) : nullptr;
-  data["winner"] = model.winner;
-  data["fit"] = model.fit;
-  data["buildings"] = votesJson(model.buildingVotes);
-  data["floors"] = votesJson(model.floorVotes);
+  Vantis::Location::LocateTrace const& trace = model.trace;
+  data["mainPath"] = outcomeJson(trace.main, origin);
+  data["kmeans"] = outcomeJson(trace.kmeans, origin);
+  data["winner"] = trace.winner;
+  data["fit"] = fitJson(trace);
+  data["buildings"] = votesJson(trace.indoorVote.buildingCounts);
+  data["floors"] = votesJson(trace.indoorVote.floorCounts);
+  data["vote"] = {{"building", trace.indoorVote.building},
+                  {"floor", trace.indoorVote.floor},
+                  {"applied", trace.indoorVote.applied}};
   ordered_json& records = data["records"] = ordered_json::array();
   for (size_t i = 0; i < model.rows.size(); ++i) {
-    records.push_back(recordJson(model.rows[i], model.stages[i], origin));
+    Fate const fate = i < trace.fates.size() ? trace.fates[i] : Fate::kNotReached;
+    records.push_back(recordJson(model.rows[i], fate, origin));
   }
   ordered_json& log = data["log"] = ordered_json::array();
   for (Vantis::Location::LogCapture::Line const& line : model.log) {
