@@ -4,6 +4,8 @@ set -euo pipefail
 
 packages=(build-essential cmake ninja-build clang libclang-rt-14-dev libgtest-dev libgmock-dev
           libbenchmark-dev nlohmann-json3-dev libcli11-dev binutils python3)
+# corvex explain: headless Chromium for its browser test, Leaflet for --tiles.
+packages+=(chromium libjs-leaflet)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
