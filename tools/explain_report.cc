@@ -53,6 +53,18 @@ char levelLetter(int level) {
 
 bool finitePosition(double lon, double lat) { return std::isfinite(lon) && std::isfinite(lat); }
 
+// Whether an answer with this code holds a place: answers built from an error code alone
+// (empty input, unknown error) hold zeros.
+bool answerIsPlace(int code, double lon, double lat) {
+  return code != CORVEX_INPUT_INFO_EMPTY && code != CORVEX_UNKNOWN_ERROR &&
+         finitePosition(lon, lat);
+}
+
+// The same for the call's result, where 500030 also returns local metres, not degrees.
+bool resultIsPlace(int code, double lon, double lat) {
+  return code != CORVEX_RSSI_OVER_LIMIT && answerIsPlace(code, lon, lat);
+}
+
 // The map's origin: the estimate when it is a position, else the newest record with a fix.
 std::vector<double> mapOrigin(ExplainModel const& model, bool estimateDrawn) {
   if (estimateDrawn) {
@@ -108,7 +120,7 @@ ordered_json outcomeJson(Vantis::Location::LocateTrace::Outcome const& outcome,
   json["acc"] = outcome.acc;
   json["code"] = outcome.code;
   json["runTimeStamp"] = outcome.runTimeStamp;
-  json["drawn"] = finitePosition(outcome.lon, outcome.lat);
+  json["drawn"] = answerIsPlace(outcome.code, outcome.lon, outcome.lat);
   json["solved"] = outcome.code == CORVEX_SUCCESS || outcome.code == CORVEX_RSSI_OVER_LIMIT;
   return json;
 }
@@ -171,8 +183,7 @@ ordered_json pageData(ExplainModel const& model, bool tiles) {
   // The trace is JSON apart from its unescaped message, which never holds a quote.
   ordered_json const traceJson = ordered_json::parse(model.traceLog, nullptr, false);
   bool const traceRead = traceJson.is_object();
-  bool const drawn = ExplainReport::positionIsMeaningful(model.code) &&
-                     finitePosition(model.result.lon, model.result.lat);
+  bool const drawn = resultIsPlace(model.code, model.result.lon, model.result.lat);
   std::vector<double> const origin = mapOrigin(model, drawn);
   ordered_json data;
   data["tag"] = model.tag;
@@ -214,7 +225,11 @@ std::string scriptSafeJson(ordered_json const& data) {
   std::string safe;
   safe.reserve(text.size());
   for (char c : text) {
-    safe += c == '<' ? std::string("\\u003c") : std::string(1, c);
+    if (c == '<') {
+      safe += "\\u003c";
+    } else {
+      safe += c;
+    }
   }
   return safe;
 }
@@ -254,11 +269,6 @@ std::string inlineable(std::string text, std::string const& closer) {
 }
 
 }  // namespace
-
-bool ExplainReport::positionIsMeaningful(int code) {
-  return code != CORVEX_RSSI_OVER_LIMIT && code != CORVEX_UNKNOWN_ERROR &&
-         code != CORVEX_INPUT_INFO_EMPTY;
-}
 
 std::string ExplainReport::render(ExplainModel const& model, Tiles const* tiles) {
   std::string style;

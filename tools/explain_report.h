@@ -20,11 +20,6 @@ class ExplainReport {
 
   // tiles: null draws the plain local map and fetches nothing.
   static std::string render(ExplainModel const& model, Tiles const* tiles);
-
-  // Whether a result with this code carries a position worth drawing: a call that stopped
-  // before solving returns a fallback record's position, but 500030 returns local metres and
-  // an unknown error returns zeros.
-  static bool positionIsMeaningful(int code);
 };
 
 }  // namespace corvex_cli
