@@ -107,8 +107,8 @@ bool ExplainCommand::chooseTag(std::vector<TagScans> const& tags, Options const&
 ExplainModel ExplainCommand::explain(TagScans const& tag) {
   ExplainModel model;
   model.tag = tag.tag;
-  model.rows = tag.rows;
-  std::vector<AggregateScanInfo> const infos = tag.toScanInfos();
+  model.records = tag.toScanInfos();
+  std::vector<AggregateScanInfo> const& infos = model.records;
   char* traceLog = nullptr;
   {
     Vantis::Location::LogCapture capture(Vantis::Location::kPlatformLogDebug);

@@ -33,7 +33,8 @@ class ExplainCommand {
   static bool chooseTag(std::vector<TagScans> const& tags, Options const& options,
                         TagScans const** chosen, std::string* error);
 
-  // Runs one library call for the tag and collects everything the report shows.
+  // Runs one library call for the tag and collects everything the report shows; the model's
+  // records point into the tag's strings.
   static ExplainModel explain(TagScans const& tag);
 };
 

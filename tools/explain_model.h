@@ -7,7 +7,6 @@
 #include "calculator/locate_trace.h"
 #include "corvex/aggregate_location.h"
 #include "platform/log_capture.h"
-#include "tools/scan_row.h"
 
 namespace corvex_cli {
 
@@ -15,7 +14,9 @@ namespace corvex_cli {
 // observed library call by ExplainCommand, and by hand in tests.
 struct ExplainModel {
   std::string tag;
-  std::vector<ScanRow> rows;  // the tag's records, in the order given to the library
+  // The tag's records as given to the library; their strings belong to the reader's storage,
+  // which outlives the model.
+  std::vector<AggregateScanInfo> records;
 
   int code = 0;                      // the call's return value
   AggregateLocationResult result{};  // its two strings are geoId and floorInfo below

@@ -73,8 +73,7 @@ std::vector<double> mapOrigin(ExplainModel const& model, bool estimateDrawn) {
   std::vector<double> origin{0.0, 0.0};
   long long newest = 0;
   bool found = false;
-  for (ScanRow const& row : model.rows) {
-    AggregateScanInfo const& info = row.info;
+  for (AggregateScanInfo const& info : model.records) {
     if (finitePosition(info.lon, info.lat) && (!found || info.timeStamp > newest)) {
       origin = {info.lon, info.lat};
       newest = info.timeStamp;
@@ -90,8 +89,8 @@ ordered_json place(double lon, double lat, std::vector<double> const& origin) {
   return {{"e", enu[0]}, {"n", enu[1]}, {"lon", lon}, {"lat", lat}};
 }
 
-ordered_json recordJson(ScanRow const& row, Fate fate, std::vector<double> const& origin) {
-  AggregateScanInfo const& info = row.info;
+ordered_json recordJson(AggregateScanInfo const& info, Fate fate,
+                        std::vector<double> const& origin) {
   ordered_json record = place(info.lon, info.lat, origin);
   record["stage"] = stageName(fate);
   record["t"] = info.timeStamp;
@@ -100,12 +99,13 @@ ordered_json recordJson(ScanRow const& row, Fate fate, std::vector<double> const
   record["acc"] = info.acc;
   record["type"] = info.locationType;
   record["source"] = info.locationSourceType;
-  if (!row.geoId.empty()) {
-    record["geoId"] = row.geoId;
+  // As the library reads them: the indoor fields only when geoId is set.
+  if (info.geoId != nullptr) {
+    record["geoId"] = info.geoId;
     record["indoor"] = info.indoorFlag;
     record["floor"] = info.floorId;
     record["floorAcc"] = info.floorAcc;
-    record["floorInfo"] = row.floorInfo;
+    record["floorInfo"] = info.floorInfo != nullptr ? info.floorInfo : "";
   }
   return record;
 }
@@ -207,9 +207,9 @@ ordered_json pageData(ExplainModel const& model, bool tiles) {
                   {"floor", trace.indoorVote.floor},
                   {"applied", trace.indoorVote.applied}};
   ordered_json& records = data["records"] = ordered_json::array();
-  for (size_t i = 0; i < model.rows.size(); ++i) {
+  for (size_t i = 0; i < model.records.size(); ++i) {
     Fate const fate = i < trace.fates.size() ? trace.fates[i] : Fate::kNotReached;
-    records.push_back(recordJson(model.rows[i], fate, origin));
+    records.push_back(recordJson(model.records[i], fate, origin));
   }
   ordered_json& log = data["log"] = ordered_json::array();
   for (Vantis::Location::LogCapture::Line const& line : model.log) {

@@ -35,12 +35,12 @@ nlohmann::json pageData(std::string const& page) {
 TEST(ExplainReport, DataStaysInsideItsElementAndReadsBackWhateverTheInputHolds) {
   ExplainModel model;
   model.tag = "</script><script>alert(1)</script>";
-  ScanRow row;
-  row.info.lon = std::numeric_limits<double>::quiet_NaN();
-  row.info.lat = std::numeric_limits<double>::infinity();
-  row.geoId = "</SCRIPT \xff";
-  row.floorInfo = "<!--";
-  model.rows = {row, row};
+  AggregateScanInfo record{};
+  record.lon = std::numeric_limits<double>::quiet_NaN();
+  record.lat = std::numeric_limits<double>::infinity();
+  record.geoId = "</SCRIPT \xff";
+  record.floorInfo = "<!--";
+  model.records = {record, record};
   model.trace.fates = {Fate::kKept};  // fewer fates than records
   model.traceLog = "not a trace";
   model.log = {{6, "</style>"}};
