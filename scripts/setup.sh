@@ -9,6 +9,8 @@ packages=(build-essential cmake ninja-build clang libclang-rt-14-dev libgtest-de
 if [ "${1:-}" = --ci ]; then
   packages+=(g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user pkg-config dpkg-dev)
 fi
+# corvex explain: headless Chromium for its browser test, Leaflet for --tiles.
+packages+=(chromium libjs-leaflet)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
