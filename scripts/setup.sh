@@ -4,6 +4,10 @@ set -euo pipefail
 
 packages=(build-essential cmake ninja-build clang libclang-rt-14-dev libgtest-dev libgmock-dev
           libbenchmark-dev nlohmann-json3-dev libcli11-dev binutils python3)
+# The Python package, its Dask batch path, plots and tests (Debian's python3 only).
+packages+=(python3-dev python3-pybind11 pybind11-dev python3-numpy python3-pandas python3-dask
+           python3-distributed python3-matplotlib python3-pytest python3-pip python3-setuptools
+           python3-venv)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
