@@ -187,7 +187,11 @@ def _numbers(cells: _Cells, field: str, indoor: np.ndarray) -> np.ndarray:
 
 
 def _texts(values: list) -> list[str]:
-    return ["" if value is None else str(value) for value in values]
+    """The values as str, equal texts as one object: grouping and conversion hash and read each
+    distinct object once."""
+    shared: dict[str, str] = {}
+    return [shared.setdefault(text, text)
+            for text in ("" if value is None else str(value) for value in values)]
 
 
 def read_scans(path: str) -> pd.DataFrame:
