@@ -62,12 +62,13 @@ def _parse_trace(trace: str | None) -> dict[str, Any]:
 
 
 def locate_groups(frame: pd.DataFrame, rows: np.ndarray, offsets: np.ndarray, tags: Any,
-                  jobs: int) -> dict[str, Any]:
+                  jobs: int, observe: bool = False) -> dict[str, Any]:
     """Runs the library once per group of rows (group g: rows[offsets[g]:offsets[g + 1]], in
-    that order); returns the result columns, log lines forwarded."""
+    that order); returns the result columns, log lines forwarded. observe: also what each
+    call did, under "observed"."""
     outcome = _core.locate_groups(columns_of(frame), np.ascontiguousarray(rows, np.int64),
                                   np.ascontiguousarray(offsets, np.int64), jobs,
-                                  _capture_level(), pd.NA)
+                                  _capture_level(), pd.NA, observe)
     _forward_log(outcome.pop("log"), tags)
     global last_library_seconds
     last_library_seconds = outcome.pop("library_seconds")
@@ -92,11 +93,20 @@ def locate(records: Any) -> Location:
     Raises ValueError for a caller mistake: a missing column, a value of the wrong type, a
     missing or non-finite value of an integer field (timeStamp included).
     """
+    return location_at(locate_one(records), 0)
+
+
+def locate_one(records: Any, observe: bool = False) -> dict[str, Any]:
+    """The result columns of one call over all records, in their order."""
     frame = as_frame(records)
-    outcome = locate_groups(frame, np.arange(len(frame)), np.array([0, len(frame)]), [None], 1)
-    return Location(**{name: _scalar(outcome[name][0]) for name in RESULT_COLUMNS
+    return locate_groups(frame, np.arange(len(frame)), np.array([0, len(frame)]), [None], 1,
+                         observe)
+
+
+def location_at(outcome: dict[str, Any], group: int) -> Location:
+    return Location(**{name: _scalar(outcome[name][group]) for name in RESULT_COLUMNS
                        if name != "infoCount"},
-                    infoCount=tuple(outcome["infoCount"][0]))
+                    infoCount=tuple(outcome["infoCount"][group]))
 
 
 def _scalar(value: Any) -> Any:

@@ -10,6 +10,8 @@
 #include <optional>
 #include <thread>
 
+#include "interface/locate_with_trace.h"
+
 namespace corvex_python {
 
 using Vantis::Location::LogCapture;
@@ -79,8 +81,9 @@ GroupOutcome BatchLocator::locate(const int64_t* rows, size_t count,
       capture.emplace(captureLevel_);
     }
     double const start = threadCpuSeconds();
-    outcome.code = GetAggregateLocation(count > 0 ? infos->data() : &none, static_cast<int>(count),
-                                        &outcome.result, &trace);
+    outcome.code = Vantis::Location::locateWithTrace(
+        count > 0 ? infos->data() : &none, static_cast<int>(count), &outcome.result, &trace,
+        observe_ ? &outcome.observed : nullptr);
     outcome.librarySeconds = threadCpuSeconds() - start;
     if (capture) {
       outcome.log = capture->take();

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "calculator/locate_trace.h"
 #include "platform/log_capture.h"
 #include "scan_columns.h"
 
@@ -20,6 +21,7 @@ struct GroupOutcome {
   bool traceMissing = false;                            // the library could not allocate its trace
   std::vector<Vantis::Location::LogCapture::Line> log;  // the call's lines, in order
   double librarySeconds = 0;                            // CPU time of the library call alone (s)
+  Vantis::Location::LocateTrace observed;               // what the call did; filled when observing
 };
 
 // Runs GetAggregateLocation once per group of rows, on several threads. Needs no interpreter,
@@ -27,10 +29,10 @@ struct GroupOutcome {
 class BatchLocator {
  public:
   // captureLevel: the lowest log level (3 debug to 7 off) kept with each outcome; kNoCapture
-  // leaves the lines to the library's own sink.
+  // leaves the lines to the library's own sink. observe: fill each outcome's observed trace.
   static constexpr int kNoCapture = -1;
-  BatchLocator(ScanColumns const& columns, int captureLevel)
-      : columns_(columns), captureLevel_(captureLevel) {}
+  BatchLocator(ScanColumns const& columns, int captureLevel, bool observe)
+      : columns_(columns), captureLevel_(captureLevel), observe_(observe) {}
 
   // Group g holds the rows rows[offsets[g]] to rows[offsets[g + 1] - 1], in that order.
   // jobs (at least 1) calls run at once; outcomes come back in group order.
@@ -43,6 +45,7 @@ class BatchLocator {
 
   ScanColumns const& columns_;
   int captureLevel_;
+  bool observe_;
 };
 
 }  // namespace corvex_python

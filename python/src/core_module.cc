@@ -4,6 +4,7 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <optional>
@@ -64,7 +65,44 @@ py::array_t<T> resultColumn(std::vector<GroupOutcome> const& outcomes, Field fie
   return column;
 }
 
-py::dict toPython(std::vector<GroupOutcome> const& outcomes) {
+py::tuple candidate(Vantis::Location::LocateTrace::Outcome const& outcome) {
+  return py::make_tuple(outcome.ran, outcome.lon, outcome.lat, outcome.acc, outcome.runTimeStamp,
+                        outcome.code);
+}
+
+// What one call did, as plain Python values; stages are the records' fates in group order.
+py::dict observedToPython(Vantis::Location::LocateTrace const& trace) {
+  py::dict out;
+  py::array_t<int8_t> stages(static_cast<py::ssize_t>(trace.fates.size()));
+  std::transform(trace.fates.begin(), trace.fates.end(), stages.mutable_data(),
+                 [](auto fate) { return static_cast<int8_t>(fate); });
+  out["stages"] = stages;
+  out["reference"] = trace.hasReference
+                         ? py::object(py::make_tuple(trace.referenceLon, trace.referenceLat))
+                         : py::object(py::none());
+  out["solver"] = static_cast<int>(trace.solver);
+  out["solver_iterations"] = trace.solverIterations;
+  out["solver_evaluations"] = trace.solverEvaluations;
+  out["solver_rms"] = trace.solverRms;
+  out["main"] = candidate(trace.main);
+  out["kmeans"] = candidate(trace.kmeans);
+  out["winner"] = trace.winner;
+  py::list buildings, floors;
+  for (auto const& [building, count] : trace.indoorVote.buildingCounts) {
+    buildings.append(py::make_tuple(decodeText(building), count));
+  }
+  for (auto const& [floor, count] : trace.indoorVote.floorCounts) {
+    floors.append(py::make_tuple(floor, count));
+  }
+  out["buildings"] = buildings;
+  out["floors"] = floors;
+  out["building"] = decodeText(trace.indoorVote.building);
+  out["floor"] = trace.indoorVote.floor;
+  out["vote_applied"] = trace.indoorVote.applied;
+  return out;
+}
+
+py::dict toPython(std::vector<GroupOutcome> const& outcomes, bool observed) {
   py::dict out;
   out["code"] = resultColumn<int32_t>(outcomes, [](auto const& o) { return o.code; });
   out["lon"] = resultColumn<double>(outcomes, [](auto const& o) { return o.result.lon; });
@@ -100,12 +138,19 @@ py::dict toPython(std::vector<GroupOutcome> const& outcomes) {
   out["trace"] = trace;
   out["log"] = py::make_tuple(logGroup, logLevel, logMessage);
   out["library_seconds"] = librarySeconds;  // for benchmarks
+  if (observed) {
+    py::list observations;
+    for (GroupOutcome const& outcome : outcomes) {
+      observations.append(observedToPython(outcome.observed));
+    }
+    out["observed"] = observations;
+  }
   return out;
 }
 
 py::dict locateGroups(py::dict const& columns, py::array_t<int64_t> const& rows,
                       py::array_t<int64_t> const& offsets, int jobs, int captureLevel,
-                      py::handle missing) {
+                      py::handle missing, bool observe) {
   size_t const count = static_cast<size_t>(columns["timeStamp"].cast<py::array>().size());
   TextColumn const geoId = textColumn(columns, "geoId", count, missing);
   TextColumn const floorInfo = textColumn(columns, "floorInfo", count, missing);
@@ -139,9 +184,9 @@ py::dict locateGroups(py::dict const& columns, py::array_t<int64_t> const& rows,
   std::vector<GroupOutcome> outcomes;
   {
     py::gil_scoped_release const unlocked;
-    outcomes = BatchLocator(scans, captureLevel).locateAll(row, offset, groups, jobs);
+    outcomes = BatchLocator(scans, captureLevel, observe).locateAll(row, offset, groups, jobs);
   }
-  return toPython(outcomes);
+  return toPython(outcomes, observe);
 }
 
 NumberTextParser::Kind kindNamed(std::string const& name) {
@@ -220,7 +265,9 @@ PYBIND11_MODULE(_core, module) {
   module.attr("NO_CAPTURE") = BatchLocator::kNoCapture;
   module.def("locate_groups", &locateGroups, py::arg("columns"), py::arg("rows"),
              py::arg("offsets"), py::arg("jobs"), py::arg("capture_level"), py::arg("missing"),
-             "Locates each group of rows; columns maps field names to typed arrays.");
+             py::arg("observe") = false,
+             "Locates each group of rows; columns maps field names to typed arrays. observe: "
+             "also return what each call did.");
   module.def(
       "has_text",
       [](py::handle objects, py::handle missing) {

@@ -121,3 +121,13 @@ def test_threads_give_what_one_thread_gives():
     frame = scenes.crowd(tags=60, records_per_tag=150, seed=3)
     pd.testing.assert_frame_equal(corvex.locate_many(frame, jobs=8),
                                   corvex.locate_many(frame, jobs=1))
+
+
+def test_explain_answers_as_locate_and_its_stages_add_up_to_the_counts():
+    frame = pd.concat([corvex.read_scans(str(EXAMPLE)), scenes.crowd(4, 300, seed=8)])
+    for _, records in frame.groupby("tag", sort=False):
+        explained = corvex.explain(records)
+        assert explained.location == corvex.locate(records)
+        survivors = [corvex.STAGES.index(stage) for stage in explained.stages]
+        assert [sum(s > slot for s in survivors) for slot in
+                range(len(explained.location.infoCount))] == list(explained.location.infoCount)
