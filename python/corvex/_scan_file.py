@@ -132,7 +132,7 @@ def _skip_blanks(text: str, at: int) -> int:
 class _CsvCells(_Cells):
     def read(self, text: str) -> None:
         reader = csv.reader(io.StringIO(text.removeprefix("\ufeff"), newline=""), strict=True)
-        header = None
+        header, width = None, 0
         while True:
             start = reader.line_num + 1
             try:
@@ -144,10 +144,10 @@ class _CsvCells(_Cells):
             if not row:
                 continue  # an empty line
             if header is None:
-                header = self._columns(row, start)
+                header, width = self._columns(row, start), len(row)
                 continue
-            if len(row) != len(header):
-                raise self.fail(start, f"expected {len(header)} fields as in the header, "
+            if len(row) != width:
+                raise self.fail(start, f"expected {width} fields as in the header, "
                                        f"found {len(row)}")
             self.lines.append(start)
             for field, texts in self.texts.items():

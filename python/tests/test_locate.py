@@ -131,3 +131,9 @@ def test_explain_answers_as_locate_and_its_stages_add_up_to_the_counts():
         survivors = [corvex.STAGES.index(stage) for stage in explained.stages]
         assert [sum(s > slot for s in survivors) for slot in
                 range(len(explained.location.infoCount))] == list(explained.location.infoCount)
+
+
+def test_read_scans_ignores_columns_beyond_the_fields(tmp_path):
+    path = tmp_path / "wider.csv"
+    pd.read_csv(EXAMPLE, dtype=str, keep_default_na=False).assign(note="x").to_csv(path, index=False)
+    pd.testing.assert_frame_equal(corvex.read_scans(str(path)), corvex.read_scans(str(EXAMPLE)))
