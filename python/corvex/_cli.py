@@ -90,6 +90,9 @@ def _evaluate(arguments: argparse.Namespace) -> int:
         print(evaluate.table(evaluation))
         if evaluation.observed is not None:
             print(evaluate.losses_table(evaluation, truth))
+    if len(done) > 1:
+        print("All families: median / p95 error (m)\n")
+        print(evaluate.overview([evaluation for evaluation, _ in done]))
     if arguments.plot:
         evaluate.plot([evaluation for evaluation, _ in done], arguments.plot)
     return 0

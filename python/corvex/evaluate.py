@@ -169,6 +169,21 @@ def table(evaluation: Evaluation) -> str:
     return "\n".join(lines)
 
 
+def overview(evaluations: list[Evaluation]) -> str:
+    """One Markdown table over families: median / p95 error (m) per method, corvex's share
+    within its stated accuracy, floor hits of corvex / the newest report."""
+    lines = ["| family | " + " | ".join(METHODS) + " | corvex within acc | floor hits |",
+             "|---|" + "---:|" * (len(METHODS) + 2)]
+    for evaluation in evaluations:
+        rows = summary(evaluation).set_index("method")
+        errors = [f"{_number(rows.loc[m, 'p50'])} / {_number(rows.loc[m, 'p95'])}" for m in METHODS]
+        floors = rows.loc[["corvex", "newest report"], "floor hits"]
+        floor_text = " / ".join(_number(v, True) for v in floors) if floors.notna().all() else ""
+        lines.append(f"| {evaluation.name} | " + " | ".join(errors) +
+                     f" | {_number(rows.loc['corvex', 'within acc'], True)} | {floor_text} |")
+    return "\n".join(lines + [""])
+
+
 def evaluate_frame(name: str, records: pd.DataFrame, truth: pd.DataFrame, jobs: int | None = None,
                    client=None, observe: bool = False) -> Evaluation:
     """Locates every tag of records (locally on jobs threads, or on a Dask client) and scores
@@ -233,7 +248,8 @@ def _beaten_above(error: float, margin: float) -> float:
 def losses(evaluation: Evaluation, truth: pd.DataFrame, margin: float = 5.0) -> pd.DataFrame:
     """Scenes where corvex's error exceeds a baseline's by more than margin metres and by more
     than half of it, with the step that added the most error (the cause). One row per scene
-    that loses to at least one baseline: tag, the baselines it loses to, cause, corvex error."""
+    that loses to at least one baseline: tag, the baselines it loses to, cause, corvex error,
+    and the error added by each of STEPS (m)."""
     scores, rows = evaluation.scores, []
     for scene in range(len(scores)):
         error = scores["corvex error"].iloc[scene]
@@ -242,8 +258,9 @@ def losses(evaluation: Evaluation, truth: pd.DataFrame, margin: float = 5.0) -> 
         if beaten:
             added = np.nan_to_num(step_errors(evaluation, truth, scene), nan=-np.inf)
             rows.append({"tag": scores["tag"].iloc[scene], "beaten by": tuple(beaten),
-                         "cause": STEPS[int(np.argmax(added))], "corvex error": error})
-    return pd.DataFrame(rows, columns=["tag", "beaten by", "cause", "corvex error"])
+                         "cause": STEPS[int(np.argmax(added))], "corvex error": error,
+                         **dict(zip(STEPS, added))})
+    return pd.DataFrame(rows, columns=["tag", "beaten by", "cause", "corvex error", *STEPS])
 
 
 def losses_table(evaluation: Evaluation, truth: pd.DataFrame) -> str:
@@ -258,6 +275,10 @@ def losses_table(evaluation: Evaluation, truth: pd.DataFrame) -> str:
         lines.append(f"| {method} | {len(these)} ({100 * len(these) / max(total, 1):.1f}%) | "
                      + ", ".join(f"{cause} {count}" for cause, count in causes.head(3).items())
                      + " |")
+    if len(lost):
+        added = lost[list(STEPS)].replace([np.inf, -np.inf], np.nan).mean()
+        lines += ["", "mean error added per step in the lost scenes (m): " + ", ".join(
+            f"{step} {value:+.1f}" for step, value in added.items() if abs(value) >= 0.05)]
     return "\n".join(lines + [""])
 
 
@@ -301,7 +322,7 @@ def plot(evaluations: list[Evaluation], path: str) -> None:
         calibration.scatter(np.maximum(scores["acc"], 0.1), np.maximum(scores["corvex error"], 0.1),
                             s=4, alpha=0.4, label=evaluation.name)
     calibration.plot([0.1, 1e4], [0.1, 1e4], color="black", linewidth=1, label="error = acc")
-    calibration.set(xscale="log", yscale="log", xlim=(1, 1e3), ylim=(0.1, 1e4),
+    calibration.set(xscale="log", yscale="log", xlim=(1, 1e3), ylim=(0.1, 1e3),
                     title="corvex calibration", xlabel="stated accuracy (m)",
                     ylabel="actual error (m)")
     calibration.legend(loc="upper left", fontsize="x-small", markerscale=3)

@@ -92,7 +92,8 @@ FAMILIES = {
     "park": SceneParameters(),
     "street": SceneParameters(gnss_share=0.6, gnss_acc=(5.0, 30.0), network_acc=(20.0, 80.0),
                               optimistic_share=0.4, optimism=2.5),
-    "mall": SceneParameters(indoor=True, gnss_share=0.1, reports=(30, 120)),
+    # Walls shorten the range at which phones hear the tag.
+    "mall": SceneParameters(indoor=True, gnss_share=0.1, reports=(30, 120), radius=15.0),
     "sparse": SceneParameters(reports=(3, 10)),
     "moved": SceneParameters(move_distance=(300.0, 2000.0), reports=(40, 150)),
     "stale": SceneParameters(stale_reports=(10, 30)),
