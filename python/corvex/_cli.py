@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import argparse
+import contextlib
 import logging
 import os
 import sys
@@ -27,14 +28,23 @@ _LOG_LEVELS = {"debug": logging.DEBUG, "info": logging.INFO, "warn": logging.WAR
                "error": logging.ERROR, "off": logging.CRITICAL + 1}
 
 
-def _log_like_the_tool() -> None:
-    """The library's lines on stderr as the tool's log sink writes them."""
+@contextlib.contextmanager
+def _log_like_the_tool(command: str):
+    """The library's lines on stderr as the tool's log sink writes them, for the length of a
+    command; evaluate prints only its tables."""
+    logger = logging.getLogger("corvex")
+    saved = logger.handlers[:], logger.level, logger.propagate
     handler = logging.StreamHandler(sys.stderr)
     handler.setFormatter(logging.Formatter("%(levelname).1s 0xD002300/Mirelth: %(message)s"))
-    logger = logging.getLogger("corvex")
-    logger.addHandler(handler)
+    logger.handlers[:] = [handler]
     logger.propagate = False
-    logger.setLevel(_LOG_LEVELS.get(os.environ.get("CORVEX_LOG_LEVEL", ""), logging.WARNING))
+    logger.setLevel(logging.CRITICAL + 1 if command == "evaluate" else
+                    _LOG_LEVELS.get(os.environ.get("CORVEX_LOG_LEVEL", ""), logging.WARNING))
+    try:
+        yield
+    finally:
+        logger.handlers[:], logger.propagate = saved[0], saved[2]
+        logger.setLevel(saved[1])  # also clears the logger's cache of enabled levels
 
 
 def _locate(arguments: argparse.Namespace) -> int:
@@ -152,7 +162,5 @@ def _add_evaluate(commands) -> None:
 
 def main(argv: list[str] | None = None) -> int:
     arguments = parser().parse_args(argv)
-    _log_like_the_tool()
-    if arguments.command == "evaluate":  # the table is the output; library lines would bury it
-        logging.getLogger("corvex").setLevel(logging.CRITICAL + 1)
-    return arguments.run(arguments)
+    with _log_like_the_tool(arguments.command):
+        return arguments.run(arguments)
