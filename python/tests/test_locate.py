@@ -7,6 +7,7 @@ import pandas as pd
 import pytest
 
 import corvex
+import corvex._cli
 from corvex import scenes
 from conftest import EXAMPLE, run, run_module
 
@@ -137,3 +138,11 @@ def test_read_scans_ignores_columns_beyond_the_fields(tmp_path):
     path = tmp_path / "wider.csv"
     pd.read_csv(EXAMPLE, dtype=str, keep_default_na=False).assign(note="x").to_csv(path, index=False)
     pd.testing.assert_frame_equal(corvex.read_scans(str(path)), corvex.read_scans(str(EXAMPLE)))
+
+
+def test_module_commands_leave_the_logger_as_they_found_it(capsys):
+    logger = logging.getLogger("corvex")
+    before = (logger.handlers[:], logger.level, logger.propagate)
+    for command in (["locate", EXAMPLE], ["evaluate", "--scenes", 2, "--family", "sparse"]):
+        assert corvex._cli.main(list(map(str, command))) == 0
+        assert (logger.handlers, logger.level, logger.propagate) == before
