@@ -8,6 +8,8 @@ packages=(build-essential cmake ninja-build clang libclang-rt-14-dev libgtest-de
 packages+=(python3-dev python3-pybind11 pybind11-dev python3-numpy python3-pandas python3-dask
            python3-distributed python3-matplotlib python3-pytest python3-pip python3-setuptools
            python3-venv)
+# corvex explain: headless Chromium for its browser test, Leaflet for --tiles.
+packages+=(chromium libjs-leaflet)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
