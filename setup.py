@@ -7,15 +7,18 @@ from setuptools import Extension, setup
 from setuptools.command.build_ext import build_ext
 
 # Results must be bit-for-bit those of the CMake build: the same flags, no fused multiply-add.
-CORE_FLAGS = ["-std=c++17", "-O2", "-g", "-ffp-contract=off", "-fvisibility=hidden",
-              "-fvisibility-inlines-hidden"]
+CORE_FLAGS = ["-std=c++17", "-O2", "-g", "-fno-fast-math", "-ffp-contract=off",
+              "-fvisibility=hidden", "-fvisibility-inlines-hidden"]
 # Flags of the interpreter's own build that the CMake build of the core does not use.
 FOREIGN_FLAGS = {"-fwrapv", "-DNDEBUG"}
 
 
 def project_version():
-    with open("CMakeLists.txt", encoding="utf-8") as cmake:
-        return re.search(r"project\(corvex VERSION ([0-9.]+)", cmake.read()).group(1)
+    """MAJOR.MINOR.PATCH from the public header, as CMake takes it."""
+    with open("include/corvex/aggregate_location.h", encoding="utf-8") as header:
+        text = header.read()
+    return ".".join(re.search(rf"#define CORVEX_VERSION_{part} ([0-9]+)", text).group(1)
+                    for part in ("MAJOR", "MINOR", "PATCH"))
 
 
 class CoreBuild(build_ext):
@@ -29,7 +32,9 @@ class CoreBuild(build_ext):
 
 core = Extension(
     "corvex._core",
-    sources=sorted(glob.glob("src/**/*.cc", recursive=True)) + sorted(glob.glob("python/src/*.cc")),
+    # src/release/ is the hosts' string release function, not part of the locator.
+    sources=sorted(p for p in glob.glob("src/**/*.cc", recursive=True)
+                   if not p.startswith("src/release/")) + sorted(glob.glob("python/src/*.cc")),
     include_dirs=["include", "src", "python/src", pybind11.get_include()],
     extra_compile_args=CORE_FLAGS,
     language="c++",
