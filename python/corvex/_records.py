@@ -72,16 +72,16 @@ class _Column:
 
 def _numbers_of_objects(column: _Column) -> np.ndarray:
     values = column.values
-    if pd.api.types.infer_dtype(values, skipna=True) not in _NUMERIC_OBJECTS:
+    kind = pd.api.types.infer_dtype(values, skipna=True)
+    if kind not in _NUMERIC_OBJECTS:
         column.fail_first(
             np.fromiter((not _is_number(v) for v in values), bool, len(values)),
             lambda v: f"expected a number, found {v!r}")
-    missing = pd.isna(values)
-    if not missing.any():
+    if kind == "integer" and not pd.isna(values).any():
         try:
-            return values.astype(np.int64)
-        except (TypeError, ValueError, OverflowError):
-            pass  # not all whole numbers, or beyond 64 bits: go through double
+            return values.astype(np.int64)  # exact, also beyond 2**53
+        except OverflowError:
+            pass  # beyond 64 bits: go through double
     return pd.to_numeric(pd.Series(values), errors="raise").to_numpy(np.float64)
 
 

@@ -64,6 +64,7 @@ def test_locate_agrees_with_locate_many_for_every_input_form():
         assert expected == corvex.Location(**{**row.drop("tag"), "infoCount": tuple(row.infoCount)})
         assert corvex.locate(records.to_dict("records")) == expected
         assert corvex.locate(records.to_records(index=False)) == expected
+        assert corvex.locate(records.astype(object)) == expected
 
 
 def test_library_lines_reach_logging_in_call_order(tool, caplog):
