@@ -157,6 +157,8 @@ def columns_of(frame: pd.DataFrame) -> dict[str, np.ndarray]:
     for name in FIELDS:
         if name not in frame.columns:
             raise ValueError(f"missing column {name!r}")
+        if (frame.columns == name).sum() > 1:
+            raise ValueError(f"column {name!r} appears twice")
     columns = {name: text_column(frame, name) for name in TEXT_FIELDS}
     for name in NUMBER_FIELDS:
         try:

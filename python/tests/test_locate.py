@@ -94,6 +94,7 @@ def scans(count, **fields):
 
 @pytest.mark.parametrize("records, message", [
     (scans(3).drop(columns="rssi"), "missing column 'rssi'"),
+    (pd.concat([scans(3), scans(3)[["lat"]]], axis=1), "column 'lat' appears twice"),
     (scans(3, rssi=["-60", "-61", "x"]), "column 'rssi', row 0: expected a number, found '-60'"),
     (scans(3, rssi=[-60, -61.5, -62]), "column 'rssi', row 1: expected a whole number"),
     (scans(3, timeStamp=[1, np.inf, 3]), "column 'timeStamp', row 1: not a finite time stamp"),
