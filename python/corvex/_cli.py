@@ -108,6 +108,13 @@ def _evaluate(arguments: argparse.Namespace) -> int:
     return 0
 
 
+def _positive(text: str) -> int:
+    number = int(text)
+    if number < 1:
+        raise argparse.ArgumentTypeError(f"{text} is not a positive number")
+    return number
+
+
 def _jobs(text: str) -> int:
     jobs = int(text)
     if not 1 <= jobs <= 1024:
@@ -145,7 +152,7 @@ def _add_evaluate(commands) -> None:
     evaluate.add_argument("--truth-lon", metavar="COL", help="FILE's column of true longitudes")
     evaluate.add_argument("--truth-lat", metavar="COL", help="FILE's column of true latitudes")
     evaluate.add_argument("--truth-floor", metavar="COL", help="FILE's column of true floors")
-    evaluate.add_argument("--scenes", type=int, default=1000, help="scenes per family")
+    evaluate.add_argument("--scenes", type=_positive, default=1000, help="scenes per family")
     evaluate.add_argument("--family", action="append", choices=list(FAMILIES),
                           help=f"family (repeatable; default: {', '.join(REALISTIC_FAMILIES)})")
     evaluate.add_argument("--seed", type=int, default=0, help="seed of the scenes")
