@@ -9,6 +9,10 @@ packages=(build-essential cmake ninja-build clang libclang-rt-14-dev libgtest-de
 if [ "${1:-}" = --ci ]; then
   packages+=(g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user pkg-config dpkg-dev)
 fi
+# The Python package, its Dask batch path, plots and tests (Debian's python3 only).
+packages+=(python3-dev python3-pybind11 pybind11-dev python3-numpy python3-pandas python3-dask
+           python3-distributed python3-matplotlib python3-pytest python3-pip python3-setuptools
+           python3-venv)
 # corvex explain: headless Chromium for its browser test, Leaflet for --tiles.
 packages+=(chromium libjs-leaflet)
 missing=()
