@@ -21,6 +21,7 @@ namespace {
 
 using corvex_test::FunctionModel;
 using corvex_test::LogCapture;
+using corvex_test::LogLine;
 using corvex_test::Matrix;
 using corvex_test::problemWith;
 using corvex_test::tagged;
@@ -418,6 +419,75 @@ TEST(LMOptimizer, FollowsTheSamePathBitForBit) {
   EXPECT_EQ(evaluations, 3117);
   EXPECT_EQ(iterations, 2506);
   EXPECT_EQ(digest, 0xb65414594274dbe4ULL);
+}
+
+// Range problems at the edges, pinned by a digest of everything a run gives back: points, RMS,
+// cost, counts and log lines. 1 to 5000 anchors; random, collinear, coincident, start-centred
+// (fixed gradient rows) and two-cluster layouts; non-finite anchors, targets and weights,
+// negative weights; limits from 0 to 1000; tolerances that cannot be met or end runs early.
+TEST(LMOptimizer, KeepsItsPathOnHostileRangeProblems) {
+  uint64_t state = 2024;
+  auto uniform = [&state] {
+    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<double>(state >> 11) * 0x1.0p-53;
+  };
+  auto below = [&uniform](int n) { return static_cast<int>(uniform() * n); };
+  double const inf = std::numeric_limits<double>::infinity();
+  double const special[] = {inf, -inf, std::nan("")};
+  int const sizes[] = {1, 2, 3, 4, 7, 20, 100};
+  int const limits[] = {0, 1, 2, 5, 50, 1000};
+  LMOptimizer const optimizers[] = {LMOptimizer(), LMOptimizer(),
+                                    LMOptimizer(100.0, 1e-20, 1e-20, 1e-20, LMOptimizer::kSafeMin),
+                                    LMOptimizer(100.0, -1.0, -2.0, -3.0, LMOptimizer::kSafeMin)};
+  uint64_t digest = 0;
+  auto mix = [&digest](double value) {
+    uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    digest = digest * 31 + bits;
+  };
+  long evaluations = 0;
+  for (int n = 0; n < 400; ++n) {
+    int const size = n % 100 == 99 ? 5000 : n % 25 == 24 ? 1000 : sizes[below(7)];
+    int const layout = below(5);
+    double const extent = Vector{1.0, 10.0, 100.0, 1000.0}[below(4)];
+    Matrix anchors;
+    Vector ranges, weights;
+    for (int i = 0; i < size; ++i) {
+      double const t = uniform();
+      Vector anchor = {uniform() * extent, uniform() * extent};
+      if (layout == 1) anchor = {t * extent, 2 * t * extent + 1};
+      if (layout == 2) anchor = {extent, -extent};
+      if (layout == 3) anchor = {anchor[0] * 1e-5 / extent, anchor[1] * 1e-5 / extent};
+      if (layout == 4) anchor[0] = (i % 2) * 3 * extent + t;
+      anchors.push_back(anchor);
+      ranges.push_back(uniform() * 2 * extent);
+      weights.push_back(below(10) == 0 ? 0.0 : uniform() * uniform());
+    }
+    if (below(15) == 0) anchors[below(size)][below(2)] = special[below(3)];
+    if (below(15) == 0) ranges[below(size)] = special[below(3)];
+    if (below(15) == 0) weights[below(size)] = below(2) == 0 ? -0.5 : inf;
+    Vector const start = below(4) == 0 ? Vector{uniform() * extent, uniform() * extent}
+                                       : Vector{0.0, 0.0};
+    LSProblem problem = rangeProblem(anchors, ranges, start, weights);
+    if (below(4) == 0) {
+      problem.setMaxEvaluations(limits[below(6)]);
+      problem.setMaxIterations(limits[below(6)]);
+    }
+    LogCapture capture;
+    OptimizerResult const result = optimizers[below(4)].optimize(problem);
+    for (double value : result.getPoint()) mix(value);
+    mix(result.getRMS());
+    mix(result.getCost());
+    mix(result.getEvaluations());
+    mix(result.getIterations());
+    for (LogLine const& line : capture.lines()) {
+      mix(line.level);
+      for (char c : line.message) mix(c);
+    }
+    evaluations += result.getEvaluations();
+  }
+  EXPECT_EQ(evaluations, 18809);
+  EXPECT_EQ(digest, 0xd0ed433fb6dcb656ULL);
 }
 
 }  // namespace
