@@ -183,6 +183,15 @@ void expectNear(Vector const& actual, Vector const& expected) {
   }
 }
 
+// The factorisation of a Jacobian with unit weights.
+LMOptimizer::DataSet factorisation(Matrix const& jacobian, int solvedCols) {
+  Vector const zeros(jacobian.size(), 0.0);
+  LMOptimizer::DataSet dataSet;
+  LMOptimizer().qrDecomposition(Estimation(zeros, jacobian, zeros, {}, Vector(zeros.size(), 1.0)),
+                                solvedCols, dataSet);
+  return dataSet;
+}
+
 TEST(LMOptimizer, QrPivotsOnTheLargerColumnAndSignsTheDiagonalAgainstThePivot) {
   double const inf = std::numeric_limits<double>::infinity();
   double const root2 = std::sqrt(2.0);
@@ -210,24 +219,24 @@ TEST(LMOptimizer, QrPivotsOnTheLargerColumnAndSignsTheDiagonalAgainstThePivot) {
     SCOPED_TRACE(i);
     Case const& c = cases[i];
     LogCapture capture;
-    LMOptimizer::DataSet const qr = LMOptimizer().qrDecomposition(c.jacobian, c.solvedCols);
+    LMOptimizer::DataSet const qr = factorisation(c.jacobian, c.solvedCols);
     EXPECT_EQ(qr.permutation, c.permutation);
     EXPECT_EQ(qr.rank, c.rank);
     expectNear(qr.rDiagonal, c.rDiagonal);
     expectNear(qr.columnNorms, c.columnNorms);
     EXPECT_EQ(tagged(capture), *c.error ? Lines{c.error} : Lines{});
   }
-  EXPECT_EQ(LMOptimizer().qrDecomposition({{0.6, 0.8}}, 1).householderScales[0], 0.0);
+  EXPECT_EQ(factorisation({{0.6, 0.8}}, 1).householderScales[0], 0.0);
 }
 
 Matrix const kJacobian = {{1.0, 2.0}, {2.0, 0.5}, {2.0, -1.0}};
 
 // The factorisation of kJacobian with R's diagonal put back; qy becomes Q^T qy.
 LMOptimizer::DataSet factorised(Vector& qy) {
-  LMOptimizer::DataSet dataSet = LMOptimizer().qrDecomposition(kJacobian, 2);
+  LMOptimizer::DataSet dataSet = factorisation(kJacobian, 2);
   LMOptimizer().qtMultiplyY(qy, dataSet);
   for (int k = 0; k < 2; ++k) {
-    dataSet.factors[k][dataSet.permutation[k]] = dataSet.rDiagonal[dataSet.permutation[k]];
+    dataSet.factor(k, dataSet.permutation[k]) = dataSet.rDiagonal[dataSet.permutation[k]];
   }
   return dataSet;
 }
@@ -237,8 +246,9 @@ TEST(LMOptimizer, DirectionSolvesTheDampedNormalEquations) {
   for (Vector const& diag : {Vector{0.0, 0.0}, Vector{0.5, 2.0}, Vector{3.0, 0.0}}) {
     Vector qy = residuals;
     LMOptimizer::DataSet const dataSet = factorised(qy);
-    Vector lmDiag(2), work(2), direction(2);
-    LMOptimizer().getLevenbergMarquardtDirection(qy, diag, lmDiag, dataSet, 2, work, direction);
+    Vector lmDiag(2), work(2), direction(2), triangle;
+    LMOptimizer().getLevenbergMarquardtDirection(qy, diag, lmDiag, dataSet, 2, work, direction,
+                                                 triangle);
     // (F^T F + D^2) x = F^T y for F the negated Jacobian, by Cramer's rule.
     double a = diag[0] * diag[0], b = 0.0, d = diag[1] * diag[1], r0 = 0.0, r1 = 0.0;
     for (size_t i = 0; i < kJacobian.size(); ++i) {
@@ -256,10 +266,10 @@ TEST(LMOptimizer, DirectionSolvesTheDampedNormalEquations) {
 TEST(LMOptimizer, ParameterSearchFitsTheStepIntoTheBound) {
   Vector qy = {10.0, -20.0, 5.0};
   LMOptimizer::DataSet const dataSet = factorised(qy);
-  Vector work1(2), work2(2), work3(2), direction(2);
+  Vector work1(2), work2(2), work3(2), direction(2), triangle;
   auto const search = [&](double delta, LMOptimizer::DataSet const& qr, double lambda) {
     return LMOptimizer().getLevenbergMarquardtParameter(qy, delta, {1.0, 1.0}, qr, 2, work1, work2,
-                                                        work3, direction, lambda);
+                                                        work3, direction, lambda, triangle);
   };
   EXPECT_EQ(search(1e6, dataSet, 0.0), 0.0);  // a wide bound takes the Gauss-Newton step as it is
   // A bound of a tenth of it needs damping, and the step shrinks to about the bound.
@@ -267,7 +277,7 @@ TEST(LMOptimizer, ParameterSearchFitsTheStepIntoTheBound) {
   EXPECT_GT(search(delta, dataSet, 0.0), 0.0);
   EXPECT_NEAR(std::hypot(direction[0], direction[1]), delta, 0.1 * delta);
   // A zero Jacobian has rank 0 and gives no step, whatever the parameter was.
-  EXPECT_EQ(search(1.0, LMOptimizer().qrDecomposition({{0.0, 0.0}, {0.0, 0.0}}, 2), 0.5), 0.0);
+  EXPECT_EQ(search(1.0, factorisation({{0.0, 0.0}, {0.0, 0.0}}, 2), 0.5), 0.0);
   EXPECT_EQ(direction, (Vector{0.0, 0.0}));
 }
 
@@ -280,9 +290,13 @@ TEST(LMOptimizer, NormHelpersScaleByColumn) {
   EXPECT_EQ(optimizer.getDxNorm({2.0, 3.0}, 2, work, {2.0, 1.0}, {1, 0}), 5.0);
   EXPECT_EQ(work, (Vector{4.0, 3.0}));
   // Column 1 has norm 0 and is skipped; column 0: |2 * 1 + 1 * 3| / (5 * 2).
-  Matrix const factors = {{2.0, 9.0}, {1.0, 9.0}};
-  EXPECT_DOUBLE_EQ(optimizer.getMaxCosine(2, {1.0, 3.0}, 2.0, factors, {1, 0}, {5.0, 0.0}), 0.5);
-  EXPECT_EQ(optimizer.getMaxCosine(0, {}, 2.0, factors, {}, {}), 0.0);
+  LMOptimizer::DataSet qr;
+  qr.reset(2, 2);
+  qr.factors = {2.0, 1.0, 9.0, 9.0};  // rows (2, 9) and (1, 9)
+  qr.permutation = {1, 0};
+  qr.columnNorms = {5.0, 0.0};
+  EXPECT_DOUBLE_EQ(optimizer.getMaxCosine(2, {1.0, 3.0}, 2.0, qr), 0.5);
+  EXPECT_EQ(optimizer.getMaxCosine(0, {}, 2.0, qr), 0.0);
 }
 
 // --- Random anchor layouts. ---
@@ -466,8 +480,8 @@ TEST(LMOptimizer, KeepsItsPathOnHostileRangeProblems) {
     if (below(15) == 0) anchors[below(size)][below(2)] = special[below(3)];
     if (below(15) == 0) ranges[below(size)] = special[below(3)];
     if (below(15) == 0) weights[below(size)] = below(2) == 0 ? -0.5 : inf;
-    Vector const start = below(4) == 0 ? Vector{uniform() * extent, uniform() * extent}
-                                       : Vector{0.0, 0.0};
+    Vector const start =
+        below(4) == 0 ? Vector{uniform() * extent, uniform() * extent} : Vector{0.0, 0.0};
     LSProblem problem = rangeProblem(anchors, ranges, start, weights);
     if (below(4) == 0) {
       problem.setMaxEvaluations(limits[below(6)]);
