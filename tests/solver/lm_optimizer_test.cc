@@ -143,6 +143,9 @@ TEST(LMOptimizer, TooSmallTolerancesNameTheToleranceThatStopped) {
 TEST(LMOptimizer, BadProblemsStopInTheFirstIterationWithAnErrorLine) {
   auto const ranges = std::make_shared<Ranges>(kAnchors);
   auto const noAnchors = std::make_shared<Ranges>(Matrix{});
+  auto const ragged = std::make_shared<FunctionModel>([](Vector const&) {
+    return ValueAndJacobian({0.0, 0.0}, {{1.0, 0.0}, {1.0}});
+  });
   std::string const mismatch = "E:optimize estimation size does not match the problem ";
   Lines const noModel = {"E:LocalLeastSquaresProblem input error",
                          "E:LocalLeastSquaresProblem model == NULL", "E:checkVectorDimensions 0,0",
@@ -159,6 +162,8 @@ TEST(LMOptimizer, BadProblemsStopInTheFirstIterationWithAnErrorLine) {
       {noAnchors, {}, {0.0, 0.0}, {}, {"E:checkVectorDimensions 0,0", mismatch + "0, 2"}},
       // A negative weight has a NaN root, which stops the factorisation.
       {ranges, rangesFrom(kAnchors, kTruth), {50.0, 10.0}, {1.0, -1.0, 1.0}, {"E:optimize 3, 2"}},
+      // Jacobian rows of unequal length.
+      {ragged, {1.0, 2.0}, {0.0, 0.0}, {1.0, 1.0}, {mismatch + "2, 2"}},
   };
   for (Case const& c : cases) {
     LogCapture capture;
