@@ -335,6 +335,7 @@ void SpreadTrimmer::rebuild(size_t topSize) {
   topCentreY_ = centreY_;
   double squares = 0.0;
   top_.clear();
+  top_.reserve(live_.size());
   for (size_t position : live_) {
     double const dx = xs_[position] - centreX_;
     double const dy = ys_[position] - centreY_;
