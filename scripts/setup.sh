@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build, the tests and the tool need, when missing.
+# Installs the Debian packages the build, the tests and the tool need, when missing; arguments
+# name further packages a script needs (e.g. `bash scripts/setup.sh gcovr`).
 set -euo pipefail
 
 packages=(build-essential cmake ninja-build clang libclang-rt-14-dev libgtest-dev libgmock-dev
-          libbenchmark-dev nlohmann-json3-dev libcli11-dev binutils python3)
+          libbenchmark-dev nlohmann-json3-dev libcli11-dev binutils python3
+          "$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
