@@ -224,6 +224,8 @@ class Runner:
                 self.gtest_binaries[command[0]] = cwd
             else:
                 self.plain_tests.append((test["name"], command, cwd))
+                scripts = [a for a in command if a.startswith(f"{self.tree}/tests/")]
+                self.files[test["name"]] = scripts[0][len(f"{self.tree}/"):] if scripts else "ctest"
 
     def compile(self, timeout, check=False):
         done = run(["cmake", "--build", self.build, "-j", str(self.jobs)], timeout,
@@ -279,7 +281,7 @@ class Runner:
             except subprocess.TimeoutExpired:
                 return None
             if done.returncode:
-                failing.append(f"ctest::{name}")
+                failing.append(f"{self.files[name]}::{name}")
         return failing
 
 
