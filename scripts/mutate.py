@@ -6,7 +6,7 @@ deterministic for a seed and a tree), and for each one rebuilds incrementally an
 test ctest knows. A mutant is caught when a test fails or times out; one that does not build
 is skipped and another is drawn. The copy is restored after every mutant, also on Ctrl-C, and
 the checkout itself is never written. Writes results.jsonl and report.md into the work
-directory.
+directory; `--report --without FILES` rewrites the report as if those test files were gone.
 """
 import argparse
 import fcntl
@@ -306,9 +306,17 @@ def run_mutant(runner, tree, m, build_timeout):
         path.write_text(original)
 
 
-def report(results, seed, path):
+def catchers(result):
+    return {test.split("::")[0] for test in result.get("by", [])}
+
+
+def report(results, seed, path, without=frozenset()):
+    """Writes the tables; mutants caught only by test files in `without` count as survivors."""
+    results = [dict(r, status="survived") if r["status"] == "caught" and not catchers(r) - without
+               else r for r in results]
     folders = sorted({folder_of(r["file"]) for r in results})
-    lines = [f"# Mutation sample, seed {seed}", "",
+    title = f", without {', '.join(sorted(without))}" if without else ""
+    lines = [f"# Mutation sample, seed {seed}{title}", "",
              "| folder | mutants | caught | survived | caught % | unbuildable drawn |",
              "|---|---:|---:|---:|---:|---:|"]
     totals = [0, 0, 0, 0]
@@ -331,17 +339,19 @@ def report(results, seed, path):
     for r in results:
         if r["status"] != "caught":
             continue
-        files = {t.split("::")[0] for t in r["by"]}
+        files = catchers(r) - without
         for f in files:
             kills[f] = kills.get(f, 0) + 1
         if len(files) == 1:
-            f = next(iter(files))
-            unique[f] = unique.get(f, 0) + 1
+            unique.setdefault(next(iter(files)), []).append(r)
     lines += ["", "## Caught mutants per test file", "",
               "A mutant counts as unique to a file when no other file's tests catch it.", "",
               "| test file | catches | unique |", "|---|---:|---:|"]
     for f in sorted(kills, key=lambda f: (-kills[f], f)):
-        lines.append(f"| {f} | {kills[f]} | {unique.get(f, 0)} |")
+        lines.append(f"| {f} | {kills[f]} | {len(unique.get(f, []))} |")
+    lines += ["", "## Mutants only one test file catches", ""]
+    for f, rs in sorted(unique.items()):
+        lines += [f"- {f}"] + [f"  - {r['file']}:{r['line']}: {describe(r)}" for r in rs]
     Path(path).write_text("\n".join(lines) + "\n")
 
 
@@ -353,6 +363,10 @@ def main():
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--test-timeout", type=int, default=60, help="per test program (s)")
     parser.add_argument("--list", action="store_true", help="print the drawn order and stop")
+    parser.add_argument("--report", action="store_true",
+                        help="only rewrite report.md from the last run's results.jsonl")
+    parser.add_argument("--without", default="",
+                        help="comma-separated test files whose catches the report ignores")
     args = parser.parse_args()
     # A kill from outside unwinds like Ctrl-C, so the mutated file is restored.
     signal.signal(signal.SIGTERM, signal.default_int_handler)
@@ -361,6 +375,12 @@ def main():
     root = Path(__file__).resolve().parent.parent
     work = root / args.work
     tree, build = work / "tree", work / "build"
+    without = frozenset(f for f in args.without.split(",") if f)
+    if args.report:
+        results = [json.loads(line) for line in (work / "results.jsonl").open()]
+        report(results, args.seed, work / "report.md", without)
+        print((work / "report.md").read_text())
+        return
     if not args.list:
         tree.mkdir(parents=True, exist_ok=True)
         lock = (work / "lock").open("w")
@@ -410,7 +430,7 @@ def main():
                 print(f"[{sum(built.values())}/{args.count}] {result['status']:11} "
                       f"{m['file']}:{m['line']}: {describe(m)}", flush=True)
     runner.compile(timeout=None)
-    report(results, args.seed, work / "report.md")
+    report(results, args.seed, work / "report.md", without)
     print((work / "report.md").read_text())
 
 
