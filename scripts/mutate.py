@@ -204,19 +204,22 @@ def sync_tree(root, tree):
 
 
 class Runner:
-    def __init__(self, tree, build, jobs, test_timeout):
-        self.tree, self.build, self.jobs, self.test_timeout = tree, build, jobs, test_timeout
+    def __init__(self, tree, build, args):
+        self.tree, self.build, self.jobs = tree, build, args.jobs
+        self.test_timeout, self.tests, self.targets = args.test_timeout, args.tests, args.targets
         self.files = {}  # gtest name -> test source, learnt from the unmutated run
 
     def configure(self):
         subprocess.run(["cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja",
                         "-DCORVEX_BUILD_BENCH=OFF", "-DCORVEX_WERROR=OFF"], check=True,
                        stdout=subprocess.DEVNULL)
-        self.compile(timeout=None, check=True)
+        self.compile(timeout=None, check=True, targets=[])
         listing = subprocess.run(["ctest", "--test-dir", self.build, "--show-only=json-v1"],
                                  check=True, capture_output=True, text=True).stdout
         self.gtest_binaries, self.plain_tests = {}, []
         for test in json.loads(listing)["tests"]:
+            if not re.search(self.tests, test["name"]):
+                continue
             command = test["command"]
             props = {p["name"]: p["value"] for p in test.get("properties", [])}
             cwd = props.get("WORKING_DIRECTORY", str(self.build))
@@ -227,8 +230,10 @@ class Runner:
                 scripts = [a for a in command if a.startswith(f"{self.tree}/tests/")]
                 self.files[test["name"]] = scripts[0][len(f"{self.tree}/"):] if scripts else "ctest"
 
-    def compile(self, timeout, check=False):
-        done = run(["cmake", "--build", self.build, "-j", str(self.jobs)], timeout,
+    def compile(self, timeout, check=False, targets=None):
+        targets = self.targets if targets is None else targets
+        target_args = ["--target", *targets] if targets else []
+        done = run(["cmake", "--build", self.build, "-j", str(self.jobs), *target_args], timeout,
                    stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         if check and done.returncode:
             sys.exit(done.stdout.decode(errors="replace")[-4000:])
@@ -362,6 +367,10 @@ def main():
     parser.add_argument("--work", default="build-mutate", help="work directory (under the root)")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--test-timeout", type=int, default=60, help="per test program (s)")
+    parser.add_argument("--tests", default="",
+                        help="regex on ctest names: run only those tests (gtest programs whole)")
+    parser.add_argument("--targets", nargs="*", default=[],
+                        help="build only these targets per mutant (default: all)")
     parser.add_argument("--list", action="store_true", help="print the drawn order and stop")
     parser.add_argument("--report", action="store_true",
                         help="only rewrite report.md from the last run's results.jsonl")
@@ -409,7 +418,7 @@ def main():
                 print(f"  {m['file']}:{m['line']}: {describe(m)}")
         return
 
-    runner = Runner(tree, build, args.jobs, args.test_timeout)
+    runner = Runner(tree, build, args)
     runner.configure()
     if runner.failing_tests():
         sys.exit("mutate: the unmutated tree fails its tests")
@@ -429,7 +438,7 @@ def main():
                 log.flush()
                 print(f"[{sum(built.values())}/{args.count}] {result['status']:11} "
                       f"{m['file']}:{m['line']}: {describe(m)}", flush=True)
-    runner.compile(timeout=None)
+    runner.compile(timeout=None, targets=[])
     report(results, args.seed, work / "report.md", without)
     print((work / "report.md").read_text())
 
