@@ -12,7 +12,9 @@ if command -v ccache >/dev/null; then
   export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$root}
 fi
 
-CC=gcc CXX=g++ cmake -S "$root" -B "$build" -G Ninja -DCORVEX_COVERAGE=ON \
+coverage=(-DCMAKE_C_FLAGS=--coverage -DCMAKE_CXX_FLAGS=--coverage
+          -DCMAKE_EXE_LINKER_FLAGS=--coverage -DCMAKE_SHARED_LINKER_FLAGS=--coverage)
+CC=gcc CXX=g++ cmake -S "$root" -B "$build" -G Ninja -DCORVEX_OPTIMIZE=-O0 "${coverage[@]}" \
   -DCORVEX_BUILD_BENCH=OFF >/dev/null
 nice -n 19 cmake --build "$build" -j2
 find "$build" -name '*.gcda' -delete

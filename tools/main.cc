@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "corvex/aggregate_location.h"
 #include "tools/scan_table_reader.h"
 #include "tools/tag_locator.h"
 
@@ -39,6 +40,7 @@ int runLocate(std::string const& path, int jobs) {
 
 int main(int argc, char** argv) {
   CLI::App app{"corvex: estimates where Bluetooth Low Energy tags are from phone scan records"};
+  app.set_version_flag("--version", CORVEX_VERSION_STRING);
   app.require_subcommand(1);
   CLI::App* locate = app.add_subcommand(
       "locate",
