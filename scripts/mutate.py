@@ -115,10 +115,13 @@ def line_mutants(line, code):
     for m in floats:
         ints_code = ints_code[:m.start()] + " " * len(m.group(0)) + ints_code[m.end():]
     for m in INT_LITERAL.finditer(ints_code):
-        value, suffix = int(m.group(1)), m.group(2)
+        digits, suffix = m.group(1), m.group(2)
+        octal = len(digits) > 1 and digits.startswith("0")
+        value = int(digits, 8 if octal else 10)
         for new in (value + 1, value - 1):
             if new >= 0:
-                found.append((m.start(), m.group(0), f"{new}{suffix}", "integer"))
+                text = f"0{new:o}" if octal else str(new)
+                found.append((m.start(), m.group(0), text + suffix, "integer"))
     for m in TWO_ARGUMENT_CALL.finditer(code):
         a, b = m.group(1).strip(), m.group(2).strip()
         if a != b and not DECLARATION_LIKE.match(a) and not DECLARATION_LIKE.match(b):
@@ -250,8 +253,9 @@ class Runner:
         log.unlink(missing_ok=True)
         try:
             run(["ctest", "--test-dir", self.build, "-j", str(self.jobs), "--timeout",
-                 str(self.test_timeout)], 10 * self.test_timeout, stdout=subprocess.DEVNULL,
-                stderr=subprocess.DEVNULL)
+                 str(self.test_timeout), *(["-R", self.tests] if self.tests else [])],
+                10 * self.test_timeout,
+                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         except subprocess.TimeoutExpired:
             return None
         names = [n.split(":", 1)[1] for n in log.read_text().splitlines()] if log.exists() else []
@@ -324,18 +328,15 @@ def report(results, seed, path, without=frozenset()):
     lines = [f"# Mutation sample, seed {seed}{title}", "",
              "| folder | mutants | caught | survived | caught % | unbuildable drawn |",
              "|---|---:|---:|---:|---:|---:|"]
-    totals = [0, 0, 0, 0]
     for folder in folders + ["all"]:
         rs = [r for r in results if folder in ("all", folder_of(r["file"]))]
         caught = sum(r["status"] == "caught" for r in rs)
         survived = sum(r["status"] == "survived" for r in rs)
         skipped = sum(r["status"] == "unbuildable" for r in rs)
-        row = [caught + survived, caught, survived, skipped]
-        if folder != "all":
-            totals = [t + v for t, v in zip(totals, row)]
         pct = f"{100 * caught / (caught + survived):.1f}" if caught + survived else "-"
         name = "**all**" if folder == "all" else f"src/{folder}"
-        lines.append(f"| {name} | {row[0]} | {caught} | {survived} | {pct} | {skipped} |")
+        lines.append(f"| {name} | {caught + survived} | {caught} | {survived} | {pct} "
+                     f"| {skipped} |")
     lines += ["", "## Surviving mutants", ""]
     for r in results:
         if r["status"] == "survived":
