@@ -179,7 +179,7 @@ def folder_of(rel):
 
 def quotas(counts, total):
     """Per-folder mutant counts: a floor for every folder, the rest in proportion to sites."""
-    floor = max(1, total // (3 * len(counts)))
+    floor = min(total // len(counts), max(1, total // (3 * len(counts))))
     rest = total - floor * len(counts)
     sites = sum(counts.values())
     exact = {f: rest * c / sites for f, c in counts.items()}
