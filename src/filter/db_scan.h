@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <climits>
 #include <limits>
-#include <map>
 #include <memory>
 #include <numeric>
 #include <optional>
@@ -22,10 +21,10 @@
 namespace Vantis::Location {
 
 // Density-based clustering (DBSCAN, Ester, Kriegel, Sander and Xu, KDD 1996) of records by the
-// {x, y} position getPoint() gives. T derives from DbScanClass and has operator< and
-// operator==; like a scan record, it is ordered first by a getBlueToothRecordConst() free of
-// NaN, and every field of its operator< also takes part in its operator==. Departures from the
-// textbook: a record reached once is never touched again, so a record found to be noise never
+// {x, y} position getPoint() gives. T derives from DbScanClass and has operator<, operator==
+// and precedesInTotalOrder; like a scan record, it is ordered first by a getBlueToothRecordConst()
+// free of NaN, and every field of its operator< also takes part in its operator==. Departures from
+// the textbook: a record reached once is never touched again, so a record found to be noise never
 // becomes a border record of a later cluster; a record operator== to a centre is never its
 // neighbour; and records equivalent under operator< count as one record wherever the algorithm asks
 // whether a record was seen.
@@ -60,9 +59,11 @@ class DbScan {
 // equivalence class under operator< is computed once, and a class is labelled (handled) or
 // claimed (in the current seed list) as a whole, which is what lookups in an ordered label
 // map and an ordered seed set amount to. Unclaimed records are found through a NeighbourGrid.
-// That holds only while operator< is a strict weak ordering of the records; when NaN fields
-// break it, a lookup's answer depends on the tree it walks, so the ordered containers are
-// replayed instead.
+// That holds only while operator< is a strict weak ordering of the records. When NaN fields
+// break it, ordered containers keyed by it have no defined behaviour (a replay of them could
+// loop and grow without end); the classes are then those of precedesInTotalOrder, operator<
+// with NaN after every number and equivalent to every NaN: deterministic, and the pass ends
+// as it always does, each record claimed once.
 template <typename T>
 class DbScan<T>::Pass {
  public:
@@ -71,18 +72,11 @@ class DbScan<T>::Pass {
   std::vector<std::vector<T>> run();
 
  private:
-  // Orders records by index as operator< orders the records themselves.
-  struct ByRecord {
-    std::vector<T> const* infos;
-    bool operator()(size_t a, size_t b) const { return (*infos)[a] < (*infos)[b]; }
-  };
-
-  void groupEquivalents();
+  template <typename Less>
+  void groupEquivalents(Less less);
   bool ordersStrictWeakly() const;
   bool slotsFollowClasses(std::vector<size_t>::const_iterator first,
                           std::vector<size_t>::const_iterator last) const;
-  std::vector<std::vector<T>> runOnOrderedContainers() const;
-  std::vector<size_t> neighboursOf(size_t centre) const;
   bool isNeighbour(size_t centre, size_t candidate) const;
   bool isCore(size_t centre) const;
   // Unclaimed neighbours of `centre` in input order; claims their classes.
@@ -153,7 +147,10 @@ double DbScan<T>::distance(DbScanClass const* a, DbScanClass const* b) const {
 template <typename T>
 DbScan<T>::Pass::Pass(DbScan const& scan, std::vector<T> const& infos)
     : scan(scan), infos(infos), grid(makeGrid(infos, scan.eps)) {
-  groupEquivalents();
+  groupEquivalents([](T const& a, T const& b) { return a < b; });
+  if (!ordersStrictWeakly()) {
+    groupEquivalents([](T const& a, T const& b) { return a.precedesInTotalOrder(b); });
+  }
 }
 
 template <typename T>
@@ -172,15 +169,18 @@ NeighbourGrid DbScan<T>::Pass::makeGrid(std::vector<T> const& infos, double eps)
 // Sorting is stable and neighbours are compared both ways, so that an operator< that is no
 // strict weak ordering (NaN fields) still gives well-formed, deterministic classes.
 template <typename T>
-void DbScan<T>::Pass::groupEquivalents() {
+template <typename Less>
+void DbScan<T>::Pass::groupEquivalents(Less less) {
   byClass.resize(infos.size());
   std::iota(byClass.begin(), byClass.end(), size_t{0});
   std::stable_sort(byClass.begin(), byClass.end(),
-                   [this](size_t a, size_t b) { return infos[a] < infos[b]; });
+                   [this, less](size_t a, size_t b) { return less(infos[a], infos[b]); });
   classOf.resize(infos.size());
+  classBegin.clear();
   for (size_t slot = 0; slot < byClass.size(); ++slot) {
     T const& info = infos[byClass[slot]];
-    if (slot == 0 || infos[byClass[slot - 1]] < info || info < infos[byClass[slot - 1]]) {
+    T const& previous = infos[byClass[slot == 0 ? 0 : slot - 1]];
+    if (slot == 0 || less(previous, info) || less(info, previous)) {
       classBegin.push_back(slot);
     }
     classOf[byClass[slot]] = classBegin.size() - 1;
@@ -241,9 +241,6 @@ bool DbScan<T>::Pass::slotsFollowClasses(std::vector<size_t>::const_iterator fir
 
 template <typename T>
 std::vector<std::vector<T>> DbScan<T>::Pass::run() {
-  if (!ordersStrictWeakly()) {
-    return runOnOrderedContainers();
-  }
   std::vector<std::vector<T>> clusters;
   for (size_t record = 0; record < infos.size(); ++record) {
     std::optional<int>& label = labelOf[classOf[record]];
@@ -331,69 +328,6 @@ std::vector<T> DbScan<T>::Pass::addCluster(size_t founder) {
     members.push_back(infos[seed]);
   }
   return members;
-}
-
-// The algorithm step by step, with a label map and seed sets keyed by index: each container
-// sees the insertions and lookups it would see holding copies of the records. The seed set
-// grows by inserts at its end, as a set built afresh from the seed list at each merge would.
-template <typename T>
-std::vector<std::vector<T>> DbScan<T>::Pass::runOnOrderedContainers() const {
-  ByRecord const byRecord{&infos};
-  size_t const minPts = static_cast<size_t>(scan.minPts);
-  std::map<size_t, int, ByRecord> labels(byRecord);
-  std::vector<std::vector<T>> clusters;
-  for (size_t founder = 0; founder < infos.size(); ++founder) {
-    if (labels.count(founder) != 0) {
-      continue;
-    }
-    std::vector<size_t> seeds = neighboursOf(founder);
-    if (seeds.size() < minPts) {
-      labels.insert({founder, scan.noiseLabel});
-      continue;
-    }
-    std::vector<T> members = {infos[founder]};
-    labels.insert({founder, scan.clusterLabel});
-    std::set<size_t, ByRecord> seedSet(byRecord);
-    for (size_t seed : seeds) {
-      seedSet.insert(seedSet.end(), seed);
-    }
-    for (size_t next = 0; next < seeds.size(); ++next) {
-      size_t const seed = seeds[next];
-      if (labels.count(seed) != 0) {  // every label equals the cluster label
-        continue;
-      }
-      std::vector<size_t> const more = neighboursOf(seed);
-      if (more.size() >= minPts) {
-        size_t const atEntry = seeds.size();
-        for (size_t candidate : more) {
-          if (seedSet.count(candidate) == 0) {
-            seeds.push_back(candidate);
-          }
-        }
-        for (size_t added = atEntry; added < seeds.size(); ++added) {
-          seedSet.insert(seedSet.end(), seeds[added]);
-        }
-      }
-      labels.insert({seed, scan.clusterLabel});
-      members.push_back(infos[seed]);
-    }
-    clusters.push_back(std::move(members));
-  }
-  return clusters;
-}
-
-// All neighbours of `centre`, claimed or not, in input order.
-template <typename T>
-std::vector<size_t> DbScan<T>::Pass::neighboursOf(size_t centre) const {
-  std::vector<size_t> found;
-  grid.forEachNear(centre, [&](size_t candidate) {
-    if (isNeighbour(centre, candidate)) {
-      found.push_back(candidate);
-    }
-    return true;
-  });
-  std::sort(found.begin(), found.end());
-  return found;
 }
 
 }  // namespace Vantis::Location

@@ -1,6 +1,9 @@
 #include "model/ble_scan_info_with_confidence.h"
 
 #include <sstream>
+#include <tuple>
+
+#include "model/nan_last.h"
 
 namespace Vantis::Location {
 
@@ -41,6 +44,25 @@ bool BleScanInfoWithConfidence::operator<(BleScanInfoWithConfidence const& other
 
 bool BleScanInfoWithConfidence::operator==(BleScanInfoWithConfidence const& other) const {
   return orderKey() == other.orderKey();
+}
+
+bool BleScanInfoWithConfidence::precedesInTotalOrder(BleScanInfoWithConfidence const& other) const {
+  if (blueToothRecord_ < other.blueToothRecord_) {
+    return true;
+  }
+  if (other.blueToothRecord_ < blueToothRecord_) {
+    return false;
+  }
+  if (lastLocation_.precedesInTotalOrder(other.lastLocation_)) {
+    return true;
+  }
+  if (other.lastLocation_.precedesInTotalOrder(lastLocation_)) {
+    return false;
+  }
+  using Rest = std::tuple<NanLast<double>, NanLast<double>, std::string const&, int, int>;
+  return Rest({confidence_}, {newConfidence_}, kindTransId_, arStatus_, stepCount_) <
+         Rest({other.confidence_}, {other.newConfidence_}, other.kindTransId_, other.arStatus_,
+              other.stepCount_);
 }
 
 }  // namespace Vantis::Location

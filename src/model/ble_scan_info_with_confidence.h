@@ -59,6 +59,9 @@ class BleScanInfoWithConfidence : public DbScanClass {
 
   bool operator<(BleScanInfoWithConfidence const& other) const;
   bool operator==(BleScanInfoWithConfidence const& other) const;
+  // operator< with every NaN field sorted after the numbers and equivalent to every NaN: a
+  // strict weak ordering for any field values.
+  bool precedesInTotalOrder(BleScanInfoWithConfidence const& other) const;
 
  private:
   auto orderKey() const {

@@ -49,4 +49,8 @@ bool LastLocation::operator==(LastLocation const& other) const {
   return orderKey() == other.orderKey();
 }
 
+bool LastLocation::precedesInTotalOrder(LastLocation const& other) const {
+  return totalOrderKey() < other.totalOrderKey();
+}
+
 }  // namespace Vantis::Location

@@ -4,6 +4,8 @@
 #include <string>
 #include <tuple>
 
+#include "model/nan_last.h"
+
 namespace Vantis::Location {
 
 // The reporting phone's own position fix at scan time, with its optional indoor information.
@@ -59,12 +61,23 @@ class LastLocation {
   // floorInfo takes part in neither comparison.
   bool operator<(LastLocation const& other) const;
   bool operator==(LastLocation const& other) const;
+  // operator< with every NaN field sorted after the numbers and equivalent to every NaN: a
+  // strict weak ordering for any field values.
+  bool precedesInTotalOrder(LastLocation const& other) const;
 
  private:
   // The fields of both comparisons, in comparison order.
   auto orderKey() const {
     return std::tie(timeStamp_, lat_, lon_, acc_, speed_, bearing_, locationType_,
                     locationSourceType_, indoorFlag_, geoId_, floorId_, floorAcc_, isEnu_);
+  }
+
+  auto totalOrderKey() const {
+    using Key =
+        std::tuple<long long, NanLast<double>, NanLast<double>, NanLast<float>, NanLast<float>,
+                   NanLast<float>, int, int, int, std::string const&, int, int, bool>;
+    return Key(timeStamp_, {lat_}, {lon_}, {acc_}, {speed_}, {bearing_}, locationType_,
+               locationSourceType_, indoorFlag_, geoId_, floorId_, floorAcc_, isEnu_);
   }
 
   long long timeStamp_ = 0;
