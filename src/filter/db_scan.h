@@ -21,13 +21,13 @@
 namespace Vantis::Location {
 
 // Density-based clustering (DBSCAN, Ester, Kriegel, Sander and Xu, KDD 1996) of records by the
-// {x, y} position getPoint() gives. T derives from DbScanClass and has operator<, operator==
-// and precedesInTotalOrder; like a scan record, it is ordered first by a getBlueToothRecordConst()
-// free of NaN, and every field of its operator< also takes part in its operator==. Departures from
-// the textbook: a record reached once is never touched again, so a record found to be noise never
-// becomes a border record of a later cluster; a record operator== to a centre is never its
-// neighbour; and records equivalent under operator< count as one record wherever the algorithm asks
-// whether a record was seen.
+// {x, y} position getPoint() gives. T derives from DbScanClass and has operator<, operator==,
+// precedesInTotalOrder and nanFieldMask; like a scan record, it is ordered first by a
+// getBlueToothRecordConst() free of NaN, and every field of its operator< also takes part in its
+// operator==. Departures from the textbook: a record reached once is never touched again, so a
+// record found to be noise never becomes a border record of a later cluster; a record operator== to
+// a centre is never its neighbour; and records equivalent under operator< count as one record
+// wherever the algorithm asks whether a record was seen.
 template <typename T>
 class DbScan {
  public:
@@ -192,8 +192,8 @@ void DbScan<T>::Pass::groupEquivalents(Less less) {
 
 // A scan record's operator< decides by its BlueToothRecord first, whose fields cannot be NaN,
 // and every ordering field also takes part in operator==. So the ordering can only break among
-// at least three records with equivalent BlueToothRecords, one of them not == to itself;
-// such groups are checked pair by pair against the sorted classes.
+// at least three records with equivalent BlueToothRecords and different NaN fields; such
+// groups are checked against the sorted classes.
 template <typename T>
 bool DbScan<T>::Pass::ordersStrictWeakly() const {
   if (std::all_of(infos.begin(), infos.end(), [](T const& info) { return info == info; })) {
@@ -218,20 +218,38 @@ bool DbScan<T>::Pass::ordersStrictWeakly() const {
 }
 
 // Whether the records in these slots (ascending) are ordered exactly as their classes say.
+// Records of one scan with the same NaN fields order strictly weakly, and stable_sort put them
+// in order. Otherwise records equivalent under precedesInTotalOrder compare alike with every record
+// (they differ at most in NaN payloads and zero signs), so one representative of each is checked
+// pairwise once all of them are found in one class: a run of identical records costs a sort, not a
+// square.
 template <typename T>
 bool DbScan<T>::Pass::slotsFollowClasses(std::vector<size_t>::const_iterator first,
                                          std::vector<size_t>::const_iterator last) const {
-  if (last - first < 3 || std::all_of(first, last, [this](size_t slot) {
-        return infos[byClass[slot]] == infos[byClass[slot]];
+  auto const record = [this](size_t slot) -> T const& { return infos[byClass[slot]]; };
+  unsigned const mask = record(*first).nanFieldMask();
+  if (last - first < 3 || std::all_of(first, last, [&record, mask](size_t slot) {
+        return record(slot).nanFieldMask() == mask;
       })) {
     return true;
   }
-  for (auto lowerSlot = first; lowerSlot != last; ++lowerSlot) {
-    for (auto upperSlot = lowerSlot + 1; upperSlot != last; ++upperSlot) {
-      T const& lower = infos[byClass[*lowerSlot]];
-      T const& upper = infos[byClass[*upperSlot]];
-      bool const equivalent = classOf[byClass[*lowerSlot]] == classOf[byClass[*upperSlot]];
-      if (upper < lower || (lower < upper) == equivalent) {
+  std::vector<size_t> alike(first, last);
+  std::stable_sort(alike.begin(), alike.end(), [&record](size_t a, size_t b) {
+    return record(a).precedesInTotalOrder(record(b));
+  });
+  std::vector<size_t> representatives = {alike.front()};
+  for (size_t i = 1; i < alike.size(); ++i) {
+    if (record(alike[i - 1]).precedesInTotalOrder(record(alike[i]))) {
+      representatives.push_back(alike[i]);
+    } else if (classOf[byClass[alike[i]]] != classOf[byClass[representatives.back()]]) {
+      return false;
+    }
+  }
+  std::sort(representatives.begin(), representatives.end());
+  for (auto lower = representatives.begin(); lower != representatives.end(); ++lower) {
+    for (auto upper = lower + 1; upper != representatives.end(); ++upper) {
+      bool const equivalent = classOf[byClass[*lower]] == classOf[byClass[*upper]];
+      if (record(*upper) < record(*lower) || (record(*lower) < record(*upper)) == equivalent) {
         return false;
       }
     }
