@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "calculator/locate_trace.h"
@@ -95,7 +96,8 @@ class CorvexTagPositionCalculator : public PositionCalculator {
   static void filterIndoor(TagBestLocation const& result,
                            std::vector<BleScanInfoWithConfidence> const& infos,
                            std::vector<BleScanInfoWithConfidence>& out);
-  // The most frequent value; the smallest among equally frequent ones; empty/0 for no values.
+  // The most frequent value; the smallest among equally frequent ones (texts bytewise);
+  // empty/0 for no values. For std::string_view and int.
   template <typename T>
   static T selectMostOccurrences(std::vector<T> const& values);
 
@@ -107,8 +109,8 @@ class CorvexTagPositionCalculator : public PositionCalculator {
   std::vector<BleScanInfoWithConfidence> filteredInfos_;  // survivors of the last filtering
 };
 
-extern template std::string CorvexTagPositionCalculator::selectMostOccurrences<std::string>(
-    std::vector<std::string> const& values);
+extern template std::string_view CorvexTagPositionCalculator::selectMostOccurrences<
+    std::string_view>(std::vector<std::string_view> const& values);
 extern template int CorvexTagPositionCalculator::selectMostOccurrences<int>(
     std::vector<int> const& values);
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "calculator/corvex_tag_position_calculator.h"
@@ -150,13 +151,17 @@ void CorvexTagPositionCalculator::setResultIndoorInfo(
   if (candidates.empty()) {
     return;
   }
-  std::vector<std::string> geoIds;
+  // Views, not copies: building texts may be long.
+  std::vector<std::string_view> geoIds;
+  geoIds.reserve(candidates.size());
   for (BleScanInfoWithConfidence const& candidate : candidates) {
     geoIds.push_back(candidate.getLastLocationConst().getGeoId());
   }
-  std::string const building = selectMostOccurrences(geoIds);
+  std::string const building(selectMostOccurrences(geoIds));
   if (vote != nullptr) {
-    vote->buildingCounts = tally(geoIds);
+    for (auto const& [geoId, count] : tally(geoIds)) {
+      vote->buildingCounts.emplace_back(std::string(geoId), count);
+    }
     vote->building = building;
   }
   if (building.empty()) {
@@ -204,8 +209,8 @@ T CorvexTagPositionCalculator::selectMostOccurrences(std::vector<T> const& value
   return best;
 }
 
-template std::string CorvexTagPositionCalculator::selectMostOccurrences<std::string>(
-    std::vector<std::string> const& values);
+template std::string_view CorvexTagPositionCalculator::selectMostOccurrences<std::string_view>(
+    std::vector<std::string_view> const& values);
 template int CorvexTagPositionCalculator::selectMostOccurrences<int>(
     std::vector<int> const& values);
 

@@ -141,8 +141,8 @@ TEST(CorvexTagPositionCalculator, IndoorVoteTakesBuildingThenFloor) {
   EXPECT_EQ(voted({}, {}, {}), "0//-100/0/kept");
   EXPECT_EQ(voted({"A"}, {-100}, {10}), "0//-100/0/kept");
   EXPECT_EQ(voted({"A", "A", "A"}, {0, 0, 1}, {10, 10, 10}), "0//-100/0/kept");
-  EXPECT_EQ(Calculator::selectMostOccurrences<std::string>({"b", "B", "b", "B"}), "B");
-  EXPECT_EQ(Calculator::selectMostOccurrences<std::string>({}), "");
+  EXPECT_EQ(Calculator::selectMostOccurrences<std::string_view>({"b", "B", "b", "B"}), "B");
+  EXPECT_EQ(Calculator::selectMostOccurrences<std::string_view>({}), "");
   EXPECT_EQ(Calculator::selectMostOccurrences<int>({}), 0);
 }
 
