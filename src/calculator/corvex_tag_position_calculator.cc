@@ -94,11 +94,11 @@ TagBestLocation CorvexTagPositionCalculator::getPosition(
   }
   TagBestLocation chosen;
   if (mainWins) {
-    CorvexTagLogger::getInstance().info("using algorithm 1");
+    CorvexTagLogger::getInstance().infoBuilt([&] { return "using algorithm 1"; });
     CoordinateConverter::enuConvertToGnss(innerResult, refPos);
     chosen = std::move(innerResult);
   } else {
-    CorvexTagLogger::getInstance().info("using algorithm 2");
+    CorvexTagLogger::getInstance().infoBuilt([&] { return "using algorithm 2"; });
     chosen = std::move(kmeansResult);
   }
   setResultIndoorInfo(chosen, infos, indoorVote());
@@ -134,7 +134,7 @@ TagBestLocation CorvexTagPositionCalculator::getPositionInner(
   TagBestLocation tagResult = getTagResult(filteredInfos_);
   // All records count here, not only the filtered ones.
   if (checkMoved(infos, tagResult)) {
-    CorvexTagLogger::getInstance().info("Tag is moved");
+    CorvexTagLogger::getInstance().infoBuilt([&] { return "Tag is moved"; });
     return defaultResult.setErrorCodeAndGet(ErrorCode::TAG_IS_MOVED);
   }
   tagResult.setRunTimeStamp(getRunTimeStamp(infos, tagResult));

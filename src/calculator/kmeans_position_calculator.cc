@@ -91,30 +91,33 @@ TagBestLocation KmeansPositionCalculator::getPosition(Infos& infos) {
   filterLowConfidence(offlineLocationList);
   long long const latestTime = scanTime(offlineLocationList.front());
   TagBestLocation fallback = newestPhonePosition(offlineLocationList.front());
-  logger.info(" offlineLocationList size: " + std::to_string(offlineLocationList.size()));
+  logger.infoBuilt(
+      [&] { return " offlineLocationList size: " + std::to_string(offlineLocationList.size()); });
 
   Infos preprocessed = preprocessOfflineLocation(offlineLocationList);
   if (preprocessed.empty()) {
-    logger.info(" preprocessedOfflineLocation is empty");
+    logger.infoBuilt([&] { return " preprocessedOfflineLocation is empty"; });
     return fallback.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);
   }
   std::vector<Point> points = convertToPoint(preprocessed);
   std::vector<Point> filteredPoints =
       DBScanOld::getFilteredPointList(points, kClusterRadius, kClusterMinPoints);
-  logger.info(" Old DBScan after: " + std::to_string(filteredPoints.size()));
+  logger.infoBuilt([&] { return " Old DBScan after: " + std::to_string(filteredPoints.size()); });
   if (filteredPoints.empty()) {
-    logger.info(" filteredPointList is empty");
+    logger.infoBuilt([&] { return " filteredPointList is empty"; });
     return fallback.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);
   }
   // A moving tag keeps the newest phone position as a success, not as TAG_IS_MOVED.
   if (checkMove(preprocessed, filteredPoints)) {
-    logger.info(" TAG is moving.");
+    logger.infoBuilt([&] { return " TAG is moving."; });
     return fallback;
   }
   float const successRatio =
       static_cast<float>(filteredPoints.size()) / static_cast<float>(points.size());
   if (successRatio < kMinSuccessRatio) {
-    logger.info(" successRatio too low: " + std::to_string(static_cast<double>(successRatio)));
+    logger.infoBuilt([&] {
+      return " successRatio too low: " + std::to_string(static_cast<double>(successRatio));
+    });
     return fallback;
   }
   Point core = KmeansOld::getCorePoint(filteredPoints, kClusterCount, kMaxIterations);

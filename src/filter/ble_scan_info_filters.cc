@@ -36,7 +36,11 @@ constexpr size_t kMinOneGnssClusterSize = 4;
 constexpr double kActiveConfidence = 0.98;
 constexpr float kMaxActiveAcc = 50.0f;  // metres
 
-void logInfo(std::string const& message) { CorvexTagLogger::getInstance().info(message); }
+// `build` returns the message; it runs only when an info line would be kept.
+template <typename Build>
+void logInfo(Build const& build) {
+  CorvexTagLogger::getInstance().infoBuilt(build);
+}
 
 // later - earlier (ms), wrapping like the hardware instead of overflowing.
 long long elapsed(long long later, long long earlier) {
@@ -124,8 +128,10 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
                                     kMinConfidence);
   markRemoved(fates, result, Fate::kConfidenceCut);
   appendCount(infoCount, result);
-  logInfo("Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): " +
-          printVec(infoCount));
+  logInfo([&] {
+    return "Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): " +
+           printVec(infoCount);
+  });
   dbscanClustering(result, DYNAMIC_STAGE);
   markRemoved(fates, result, Fate::kDynamicCluster);
   appendCount(infoCount, result);
@@ -133,16 +139,17 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
   markRemoved(fates, result, Fate::kStaticCluster);
   appendCount(infoCount, result);
   if (GnssUtils::isOutDoor(result)) {
-    logInfo("GnssRatio: " + std::to_string(GnssUtils::getGnssRatio(result)));
+    logInfo([&] { return "GnssRatio: " + std::to_string(GnssUtils::getGnssRatio(result)); });
     result = DistanceOffsetFromGnssFilter::filter(result);
     markRemoved(fates, result, Fate::kGnssOffset);
     appendCount(infoCount, result);
-    logInfo("Infos size(Filtered by GNSS std): " + std::to_string(result.size()));
+    logInfo([&] { return "Infos size(Filtered by GNSS std): " + std::to_string(result.size()); });
     result = DistanceOffsetFilter::filterByDistance(
         result, halfAtLeast(result.size(), kMinDistanceItems), kMaxDistanceStd);
     markRemoved(fates, result, Fate::kSpreadTrim);
     appendCount(infoCount, result);
-    logInfo("Infos size(Filtered by distance std): " + std::to_string(result.size()));
+    logInfo(
+        [&] { return "Infos size(Filtered by distance std): " + std::to_string(result.size()); });
   }
   sortByTimeStamp(result);
   return result;
@@ -175,7 +182,7 @@ void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>
     if (!infos.empty()) {
       infos = {infos.back()};
     }
-    logInfo("Cluster failed, return latest info in stage " + stageText);
+    logInfo([&] { return "Cluster failed, return latest info in stage " + stageText; });
   } else {
     printClusterResult(clusters);
     int index =
@@ -184,8 +191,11 @@ void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>
       infos = std::move(clusters[static_cast<size_t>(index)]);
     }
   }
-  logInfo("Filtered by DBScan stage " + stageText + ", Infos size: " +
-          std::to_string(infos.size()) + ", cluster size: " + std::to_string(clusters.size()));
+  logInfo([&] {
+    return "Filtered by DBScan stage " + stageText +
+           ", Infos size: " + std::to_string(infos.size()) +
+           ", cluster size: " + std::to_string(clusters.size());
+  });
 }
 
 void BleScanInfoFilters::printClusterResult(ClusterList const& clusters) {
@@ -193,7 +203,7 @@ void BleScanInfoFilters::printClusterResult(ClusterList const& clusters) {
   for (Cluster const& cluster : clusters) {
     sizes.push_back(static_cast<int>(cluster.size()));
   }
-  logInfo("Cluster size: " + printVec(sizes));
+  logInfo([&] { return "Cluster size: " + printVec(sizes); });
 }
 
 std::string BleScanInfoFilters::printVec(std::vector<int> const& values) {
@@ -221,7 +231,7 @@ std::vector<int> BleScanInfoFilters::getLatestPointsCluster(ClusterList const& c
     if (i + 1 < newestFirst.size() &&
         std::sqrt(DistanceUtils::distSquare(*newestFirst[i].info, *newestFirst[i + 1].info)) >
             kMaxLatestPointsJump) {
-      logInfo("isValid set to false, valid len = " + std::to_string(i + 1));
+      logInfo([&] { return "isValid set to false, valid len = " + std::to_string(i + 1); });
       break;
     }
   }
@@ -230,7 +240,7 @@ std::vector<int> BleScanInfoFilters::getLatestPointsCluster(ClusterList const& c
 
 int BleScanInfoFilters::getClusterByTimeSwitchCheck(ClusterList const& clusters) {
   std::vector<int> const labels = getLatestPointsCluster(clusters);
-  logInfo("Latest points belong to: " + printVec(labels));
+  logInfo([&] { return "Latest points belong to: " + printVec(labels); });
   // Each unbroken stretch of one label counts as one visit of that cluster.
   std::vector<int> visits(clusters.size(), 0);
   for (size_t i = labels.size(); i-- > 0;) {
@@ -249,17 +259,17 @@ int BleScanInfoFilters::getClusterByTimeSwitchCheck(ClusterList const& clusters)
 int BleScanInfoFilters::selectStaticCluster(ClusterList& clusters) {
   int index = getLatestCluster(clusters);
   if (index >= 0) {
-    logInfo("getLatestCluster");
+    logInfo([&] { return "getLatestCluster"; });
     return index;
   }
   index = getHaveGnssCluster(clusters);
   if (index >= 0) {
-    logInfo("haveGnssCluster");
+    logInfo([&] { return "haveGnssCluster"; });
     return index;
   }
   index = getActiveCluster(clusters);
   if (index >= 0) {
-    logInfo("haveActiveCluster");
+    logInfo([&] { return "haveActiveCluster"; });
     return index;
   }
   index = getClusterByTimeSwitchCheck(clusters);
@@ -293,11 +303,11 @@ int BleScanInfoFilters::getLatestCluster(ClusterList& clusters) {
     }
   }
   if (newestFirst.size() == 1) {
-    logInfo("saved cluster: " + std::to_string(newestFirst.front().cluster));
+    logInfo([&] { return "saved cluster: " + std::to_string(newestFirst.front().cluster); });
     return newestFirst.front().cluster;
   }
   std::sort(stale.begin(), stale.end(), std::greater<int>());
-  logInfo("delete cluster: " + printVec(stale));
+  logInfo([&] { return "delete cluster: " + printVec(stale); });
   for (int index : stale) {
     clusters.erase(clusters.begin() + index);
   }
@@ -311,7 +321,7 @@ int BleScanInfoFilters::getHaveGnssCluster(ClusterList const& clusters) {
     int gnssCount = getGnssCount(clusters[i]);
     bool qualifies = gnssCount >= 2;
     if (gnssCount == 1 && clusters[i].size() >= kMinOneGnssClusterSize) {
-      logInfo("only one GNSS, needs careful consideration");
+      logInfo([&] { return "only one GNSS, needs careful consideration"; });
       qualifies = true;
     }
     if (qualifies) {
@@ -342,7 +352,7 @@ int BleScanInfoFilters::getActiveCount(Cluster const& cluster) {
       ++count;
     }
   }
-  logInfo("getActiveCount: " + std::to_string(count));
+  logInfo([&] { return "getActiveCount: " + std::to_string(count); });
   return count;
 }
 
@@ -353,7 +363,7 @@ int BleScanInfoFilters::getGnssCount(Cluster const& cluster) {
       ++count;
     }
   }
-  logInfo("getGnssCount: " + std::to_string(count));
+  logInfo([&] { return "getGnssCount: " + std::to_string(count); });
   return count;
 }
 

@@ -100,12 +100,13 @@ template <typename T>
 DbScan<T>::DbScan(double eps, int minPts)
     : eps(eps), minPts(minPts), distanceCalculator(std::make_shared<NormalDistance>()) {
   if (this->eps < 0.0) {
-    CorvexTagLogger::getInstance().info("DBSCAN eps error. eps = " + std::to_string(this->eps));
+    CorvexTagLogger::getInstance().infoBuilt(
+        [&] { return "DBSCAN eps error. eps = " + std::to_string(this->eps); });
     this->eps = 0.0;
   }
   if (this->minPts < 0) {
-    CorvexTagLogger::getInstance().info("DBSCAN minPts error. minPts = " +
-                                        std::to_string(this->minPts));
+    CorvexTagLogger::getInstance().infoBuilt(
+        [&] { return "DBSCAN minPts error. minPts = " + std::to_string(this->minPts); });
     this->minPts = INT_MAX;  // every record becomes noise
   }
 }

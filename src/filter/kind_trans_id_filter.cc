@@ -33,8 +33,8 @@ std::vector<BleScanInfoWithConfidence> KindTransIDFilter::filter(
                        [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
                          return a.getNewConfidence() > b.getNewConfidence();
                        });
-      CorvexTagLogger::getInstance().info("kindTransID " + kind +
-                                          ", num: " + std::to_string(group.size()));
+      CorvexTagLogger::getInstance().infoBuilt(
+          [&] { return "kindTransID " + kind + ", num: " + std::to_string(group.size()); });
     }
     result.push_back(group.front());
   }
