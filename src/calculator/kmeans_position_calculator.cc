@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <numeric>
 #include <string>
 
 #include "calculator/db_scan_old.h"
@@ -47,6 +48,23 @@ void sortMostConfidentFirst(Infos& infos) {
                    });
 }
 
+// Copies of the `limit` newest records, newest first (equal times in input order): the part of
+// the time order that the confidence cut can keep.
+Infos newestRecords(Infos const& infos, std::size_t limit) {
+  std::vector<std::size_t> order(infos.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&infos](std::size_t a, std::size_t b) {
+    return scanTime(infos[a]) > scanTime(infos[b]);
+  });
+  order.resize(std::min(limit, order.size()));
+  Infos newest;
+  newest.reserve(order.size());
+  for (std::size_t index : order) {
+    newest.push_back(infos[index]);
+  }
+  return newest;
+}
+
 bool isConfident(BleScanInfoWithConfidence const& info) {
   return info.getConfidence() >= kMinConfidence;
 }
@@ -86,8 +104,7 @@ TagBestLocation KmeansPositionCalculator::getPosition(Infos& infos) {
     logger.error(" infos size exceed limit");
     return TagBestLocation(ErrorCode::INPUT_INFO_OVER_LIMIT);
   }
-  Infos offlineLocationList = infos;
-  sortNewestFirst(offlineLocationList);
+  Infos offlineLocationList = newestRecords(infos, kKeptByConfidenceCut);
   filterLowConfidence(offlineLocationList);
   long long const latestTime = scanTime(offlineLocationList.front());
   TagBestLocation fallback = newestPhonePosition(offlineLocationList.front());
