@@ -22,7 +22,7 @@ BleScanInfoWithConfidence::BleScanInfoWithConfidence(BlueToothRecord const& blue
                                                      double confidence,
                                                      std::string const& kindTransId)
     : BleScanInfoWithConfidence(blueToothRecord, lastLocation, -1, 0, confidence) {
-  kindTransId_ = kindTransId;
+  kindTransId_ = SharedText(kindTransId);
 }
 
 std::vector<double> BleScanInfoWithConfidence::getPoint() const {
@@ -34,7 +34,7 @@ std::string BleScanInfoWithConfidence::toString() const {
   out << "BleScanInfo{blueToothRecord=" << blueToothRecord_.toString()
       << ", lastLocation=" << lastLocation_.toString() << ", arStatus=" << arStatus_
       << ", stepCount=" << stepCount_ << ", confidence=" << confidence_
-      << ", newConfidence=" << newConfidence_ << ", kindTransID=" << kindTransId_ << "}";
+      << ", newConfidence=" << newConfidence_ << ", kindTransID=" << kindTransId_.get() << "}";
   return out.str();
 }
 
@@ -60,7 +60,7 @@ bool BleScanInfoWithConfidence::precedesInTotalOrder(BleScanInfoWithConfidence c
   if (other.lastLocation_.precedesInTotalOrder(lastLocation_)) {
     return false;
   }
-  using Rest = std::tuple<NanLast<double>, NanLast<double>, std::string const&, int, int>;
+  using Rest = std::tuple<NanLast<double>, NanLast<double>, SharedText const&, int, int>;
   return Rest({confidence_}, {newConfidence_}, kindTransId_, arStatus_, stepCount_) <
          Rest({other.confidence_}, {other.newConfidence_}, other.kindTransId_, other.arStatus_,
               other.stepCount_);

@@ -10,7 +10,7 @@ BlueToothRecord::BlueToothRecord(long long timeStamp, int rssi)
     : BlueToothRecord("", "", timeStamp, rssi) {}
 
 std::string BlueToothRecord::toString() const {
-  return "BlueToothRecord{name='" + name_ + "', mac='" + mac_ +
+  return "BlueToothRecord{name='" + name_.get() + "', mac='" + mac_.get() +
          "', timeStamp=" + std::to_string(timeStamp_) + ", rssi=" + std::to_string(rssi_) + "}";
 }
 
