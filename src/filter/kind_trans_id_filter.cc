@@ -27,7 +27,9 @@ std::vector<BleScanInfoWithConfidence> KindTransIDFilter::filter(
       groups[info.getKindTransId()].push_back(info);
     }
   }
-  for (auto& [kind, group] : groups) {
+  for (auto& entry : groups) {
+    std::string const& kind = entry.first;
+    std::vector<BleScanInfoWithConfidence>& group = entry.second;
     if (group.size() >= 2) {
       std::stable_sort(group.begin(), group.end(),
                        [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
