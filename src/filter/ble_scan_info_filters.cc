@@ -61,6 +61,10 @@ void appendCount(std::vector<int>& infoCount, std::vector<BleScanInfoWithConfide
   infoCount.push_back(static_cast<int>(infos.size()));
 }
 
+bool hasKind(BleScanInfoWithConfidence const& info) {
+  return !info.getKindTransId().empty() && info.getKindTransId() != "0";
+}
+
 void removeOlderThanSixHours(std::vector<BleScanInfoWithConfidence>& infos) {
   long long newest = timeStampOf(infos.back());
   infos.erase(std::remove_if(infos.begin(), infos.end(),
@@ -121,7 +125,10 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
   removeOlderThanSixHours(result);
   markRemoved(fates, result, Fate::kAgeCut);
   appendCount(infoCount, result);
-  result = KindTransIDFilter::filter(result);
+  // Without kinds the filter would return a copy of the list, so it need not run.
+  if (std::any_of(result.begin(), result.end(), hasKind)) {
+    result = KindTransIDFilter::filter(result);
+  }
   markRemoved(fates, result, Fate::kKindTransId);
   appendCount(infoCount, result);
   result = ConfidenceFilter::filter(result, halfAtLeast(result.size(), kMinConfidenceItems),

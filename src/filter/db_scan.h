@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <limits>
 #include <memory>
 #include <numeric>
 #include <optional>
@@ -22,7 +21,8 @@ namespace Vantis::Location {
 
 // Density-based clustering (DBSCAN, Ester, Kriegel, Sander and Xu, KDD 1996) of records by the
 // {x, y} position getPoint() gives. T derives from DbScanClass and has operator<, operator==,
-// precedesInTotalOrder and nanFieldMask; like a scan record, it is ordered first by a
+// precedesInTotalOrder and nanFieldMask, and getPoint() is {lon, lat} of its
+// getLastLocationConst(); like a scan record, it is ordered first by a
 // getBlueToothRecordConst() free of NaN, and every field of its operator< also takes part in its
 // operator==. Departures from the textbook: a record reached once is never touched again, so a
 // record found to be noise never becomes a border record of a later cluster; a record operator== to
@@ -158,11 +158,11 @@ template <typename T>
 NeighbourGrid DbScan<T>::Pass::makeGrid(std::vector<T> const& infos, double eps) {
   std::vector<double> xs;
   std::vector<double> ys;
-  for (T const& info : infos) {
-    std::vector<double> const point = info.getPoint();
-    bool const planar = point.size() == 2;
-    xs.push_back(planar ? point[0] : std::numeric_limits<double>::quiet_NaN());
-    ys.push_back(planar ? point[1] : std::numeric_limits<double>::quiet_NaN());
+  xs.reserve(infos.size());
+  ys.reserve(infos.size());
+  for (T const& info : infos) {  // getPoint() without building a vector per record
+    xs.push_back(info.getLastLocationConst().getLon());
+    ys.push_back(info.getLastLocationConst().getLat());
   }
   return NeighbourGrid(std::move(xs), std::move(ys), eps);
 }
@@ -174,8 +174,14 @@ template <typename Less>
 void DbScan<T>::Pass::groupEquivalents(Less less) {
   byClass.resize(infos.size());
   std::iota(byClass.begin(), byClass.end(), size_t{0});
-  std::stable_sort(byClass.begin(), byClass.end(),
-                   [this, less](size_t a, size_t b) { return less(infos[a], infos[b]); });
+  // Both orders decide by scan time first: the cached time settles most comparisons.
+  std::vector<long long> times(infos.size());
+  for (size_t i = 0; i < infos.size(); ++i) {
+    times[i] = infos[i].getBlueToothRecordConst().getTimeStamp();
+  }
+  std::stable_sort(byClass.begin(), byClass.end(), [this, less, &times](size_t a, size_t b) {
+    return times[a] != times[b] ? times[a] < times[b] : less(infos[a], infos[b]);
+  });
   classOf.resize(infos.size());
   classBegin.clear();
   for (size_t slot = 0; slot < byClass.size(); ++slot) {
