@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "calculator/locate_trace.h"
@@ -97,7 +96,7 @@ class CorvexTagPositionCalculator : public PositionCalculator {
                            std::vector<BleScanInfoWithConfidence> const& infos,
                            std::vector<BleScanInfoWithConfidence>& out);
   // The most frequent value; the smallest among equally frequent ones (texts bytewise);
-  // empty/0 for no values. For std::string_view and int.
+  // empty/0 for no values. For SharedText and int.
   template <typename T>
   static T selectMostOccurrences(std::vector<T> const& values);
 

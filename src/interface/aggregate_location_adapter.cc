@@ -22,7 +22,7 @@ std::vector<BleScanInfoWithConfidence> AggregateLocationAdapter::toScanInfos(
   if (count > 0) {
     scanInfos.reserve(static_cast<size_t>(count));
   }
-  TextsByAddress texts;
+  TextsByAddress texts = rankedGeoIds(infos, count);
   for (int i = 0; i < count; ++i) {
     scanInfos.push_back(toScanInfo(infos[i], texts));
     scanInfos.back().setInputIndex(i);
@@ -49,6 +49,25 @@ BleScanInfoWithConfidence AggregateLocationAdapter::toScanInfo(AggregateScanInfo
     indoor.setFloorInfo(shared(info.floorInfo != nullptr ? info.floorInfo : "", texts));
   }
   return scanInfo;
+}
+
+// Records are ordered and voted on by building; ranked once, long texts are not read again.
+AggregateLocationAdapter::TextsByAddress AggregateLocationAdapter::rankedGeoIds(
+    const AggregateScanInfo* infos, int count) {
+  TextsByAddress texts;
+  std::vector<char const*> addresses;
+  std::vector<std::string_view> views;
+  for (int i = 0; i < count; ++i) {
+    if (infos[i].geoId != nullptr && texts.emplace(infos[i].geoId, SharedText()).second) {
+      addresses.push_back(infos[i].geoId);
+      views.emplace_back(infos[i].geoId);
+    }
+  }
+  std::vector<SharedText> const ranked = SharedText::ranked(views);
+  for (std::size_t i = 0; i < addresses.size(); ++i) {
+    texts[addresses[i]] = ranked[i];
+  }
+  return texts;
 }
 
 // Callers usually pass one building text for many records: it is copied once.

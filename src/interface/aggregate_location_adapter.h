@@ -33,6 +33,7 @@ class AggregateLocationAdapter {
   using TextsByAddress = std::unordered_map<char const*, SharedText>;
 
   static BleScanInfoWithConfidence toScanInfo(AggregateScanInfo const& info, TextsByAddress& texts);
+  static TextsByAddress rankedGeoIds(const AggregateScanInfo* infos, int count);
   static SharedText shared(char const* text, TextsByAddress& texts);
 };
 

@@ -50,6 +50,8 @@ class LastLocation {
   void setFloorInfo(SharedText floorInfo) { floorInfo_ = std::move(floorInfo); }
   // Building identifier.
   std::string const& getGeoId() const { return geoId_.get(); }
+  // The same, as the shared text: cheap to compare and copy.
+  SharedText const& getGeoIdText() const { return geoId_; }
   void setGeoId(std::string const& geoId) { geoId_ = SharedText(geoId); }
   // Shares a text with other records instead of copying it.
   void setGeoId(SharedText geoId) { geoId_ = std::move(geoId); }

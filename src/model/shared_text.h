@@ -1,30 +1,46 @@
 #ifndef CORVEX_MODEL_SHARED_TEXT_H_
 #define CORVEX_MODEL_SHARED_TEXT_H_
 
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace Vantis::Location {
 
 // An immutable text that copies share: scan records are copied from stage to stage, and their
 // building and floor texts (which callers may make long) must not be copied with them.
-// Compares bytewise like std::string; copies of one text compare equal without reading it.
+// Compares bytewise like std::string. Copies of one text compare without reading it, and so do
+// texts ranked together, by their rank: sorting records by long texts that differ only near
+// their end must not read them again and again.
 class SharedText {
  public:
   SharedText() = default;
   explicit SharedText(std::string text);
 
+  // One text per entry of `texts`, ranked together: equal texts get equal ranks.
+  static std::vector<SharedText> ranked(std::vector<std::string_view> const& texts);
+
   std::string const& get() const;
 
-  bool operator<(SharedText const& other) const {
-    return text_ != other.text_ && get() < other.get();
-  }
-  bool operator==(SharedText const& other) const {
-    return text_ == other.text_ || get() == other.get();
-  }
+  bool operator<(SharedText const& other) const;
+  bool operator==(SharedText const& other) const;
 
  private:
-  std::shared_ptr<std::string const> text_;  // null for the empty text
+  struct Body {
+    std::string text;
+    std::shared_ptr<void const> table;  // shared by texts ranked together, else null
+    std::size_t rank = 0;               // bytewise order within the table
+  };
+
+  explicit SharedText(std::shared_ptr<Body const> body) : body_(std::move(body)) {}
+  bool rankedWith(SharedText const& other) const {
+    return body_ != nullptr && other.body_ != nullptr && body_->table != nullptr &&
+           body_->table == other.body_->table;
+  }
+
+  std::shared_ptr<Body const> body_;  // null for the empty text
 };
 
 }  // namespace Vantis::Location
