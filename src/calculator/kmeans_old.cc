@@ -98,6 +98,11 @@ void KmeansOld::findCenter(std::vector<Point> const& points, std::vector<Point> 
       static_cast<std::size_t>(i) >= assign.size() || centers.empty()) {
     return;
   }
+  // A lone centre is the nearest whatever the distance, NaN included: no need to measure.
+  if (centers.size() == 1) {
+    assign[i] = 0;
+    return;
+  }
   int nearest = 0;
   double nearestDistance = std::numeric_limits<double>::infinity();
   for (std::size_t j = 0; j < centers.size(); ++j) {
