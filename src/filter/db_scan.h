@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstddef>
 #include <memory>
 #include <numeric>
 #include <optional>
@@ -79,8 +80,9 @@ class DbScan<T>::Pass {
                           std::vector<size_t>::const_iterator last) const;
   bool isNeighbour(size_t centre, size_t candidate) const;
   bool isCore(size_t centre) const;
-  // Unclaimed neighbours of `centre` in input order; claims their classes.
-  std::vector<size_t> claimNeighbours(size_t centre);
+  // Appends the unclaimed neighbours of `centre` to `seeds` in input order (one list grows the
+  // whole cluster) and claims their classes.
+  void claimNeighbours(size_t centre, std::vector<size_t>& seeds);
   void claimClass(size_t equivalenceClass);
   std::vector<T> addCluster(size_t founder);
 
@@ -306,19 +308,18 @@ bool DbScan<T>::Pass::isCore(size_t centre) const {
 // Records of classes claimed before are left out: either they are labelled, and would be
 // skipped, or their class is already in the seed list, and a merge would not take them.
 template <typename T>
-std::vector<size_t> DbScan<T>::Pass::claimNeighbours(size_t centre) {
-  std::vector<size_t> found;
+void DbScan<T>::Pass::claimNeighbours(size_t centre, std::vector<size_t>& seeds) {
+  size_t const first = seeds.size();
   grid.forEachUnclaimedNear(centre, [&](size_t candidate) {
     if (isNeighbour(centre, candidate)) {
-      found.push_back(candidate);
+      seeds.push_back(candidate);
     }
     return true;
   });
-  std::sort(found.begin(), found.end());
-  for (size_t record : found) {
-    claimClass(classOf[record]);
+  std::sort(seeds.begin() + static_cast<std::ptrdiff_t>(first), seeds.end());
+  for (size_t slot = first; slot < seeds.size(); ++slot) {
+    claimClass(classOf[seeds[slot]]);
   }
-  return found;
 }
 
 template <typename T>
@@ -338,7 +339,8 @@ std::vector<T> DbScan<T>::Pass::addCluster(size_t founder) {
   std::vector<T> members = {infos[founder]};
   labelOf[classOf[founder]] = scan.clusterLabel;
   claimClass(classOf[founder]);
-  std::vector<size_t> seeds = claimNeighbours(founder);
+  std::vector<size_t> seeds;
+  claimNeighbours(founder, seeds);
   for (size_t next = 0; next < seeds.size(); ++next) {
     size_t const seed = seeds[next];
     std::optional<int>& label = labelOf[classOf[seed]];
@@ -346,8 +348,7 @@ std::vector<T> DbScan<T>::Pass::addCluster(size_t founder) {
       continue;
     }
     if (isCore(seed)) {
-      std::vector<size_t> const more = claimNeighbours(seed);
-      seeds.insert(seeds.end(), more.begin(), more.end());
+      claimNeighbours(seed, seeds);
     }
     label = scan.clusterLabel;
     members.push_back(infos[seed]);
