@@ -1,5 +1,6 @@
 // corvex: the command-line face of the library. `corvex locate FILE` reads scan records of
-// any number of tags and prints one JSON line per tag.
+// any number of tags and prints one JSON line per tag; `corvex explain FILE` writes an HTML
+// report of one tag's call.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -7,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "corvex/aggregate_location.h"
+#include "tools/explain_command.h"
 #include "tools/scan_table_reader.h"
 #include "tools/tag_locator.h"
 
@@ -39,6 +42,7 @@ int runLocate(std::string const& path, int jobs) {
 
 int main(int argc, char** argv) {
   CLI::App app{"corvex: estimates where Bluetooth Low Energy tags are from phone scan records"};
+  app.set_version_flag("--version", CORVEX_VERSION_STRING);
   app.require_subcommand(1);
   CLI::App* locate = app.add_subcommand(
       "locate",
@@ -49,13 +53,15 @@ int main(int argc, char** argv) {
   locate->add_option("FILE", path, "CSV with a header row, or a JSON array of objects")->required();
   locate->add_option("-j,--jobs", jobs, "number of tags located at once")
       ->check(CLI::Range(1, 1024));
+  corvex_cli::ExplainCommand::Options explainOptions;
+  CLI::App* explain = corvex_cli::ExplainCommand::addTo(app, &explainOptions);
   try {
     app.parse(argc, argv);
   } catch (CLI::ParseError const& e) {
     return app.exit(e) == 0 ? 0 : kExitBadCommand;
   }
   try {
-    return runLocate(path, jobs);
+    return *explain ? corvex_cli::ExplainCommand::run(explainOptions) : runLocate(path, jobs);
   } catch (std::exception const& e) {
     std::cerr << "corvex: " << e.what() << "\n";
     return kExitFailure;
