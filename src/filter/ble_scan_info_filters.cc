@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
-#include <numeric>
 #include <string>
 #include <utility>
 
@@ -164,15 +163,18 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
 
 // Indices are sorted so that no record moves more than once.
 void BleScanInfoFilters::sortByTimeStamp(std::vector<BleScanInfoWithConfidence>& infos) {
-  std::vector<size_t> order(infos.size());
-  std::iota(order.begin(), order.end(), size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&infos](size_t a, size_t b) {
-    return timeStampOf(infos[a]) < timeStampOf(infos[b]);
-  });
+  // (time, index) pairs sort without touching the records; ties keep their input order.
+  std::vector<std::pair<long long, size_t>> order;
+  order.reserve(infos.size());
+  for (size_t i = 0; i < infos.size(); ++i) {
+    order.emplace_back(timeStampOf(infos[i]), i);
+  }
+  std::stable_sort(order.begin(), order.end(),
+                   [](auto const& a, auto const& b) { return a.first < b.first; });
   std::vector<BleScanInfoWithConfidence> sorted;
   sorted.reserve(infos.size());
-  for (size_t index : order) {
-    sorted.push_back(std::move(infos[index]));
+  for (auto const& entry : order) {
+    sorted.push_back(std::move(infos[entry.second]));
   }
   infos = std::move(sorted);
 }
