@@ -31,6 +31,7 @@ std::vector<BleScanInfoWithConfidence> DistanceOffsetFromGnssFilter::filter(
   }
   std::vector<double> const centre = DistanceUtils::meanPoint(proactive);
   std::vector<BleScanInfoWithConfidence> result;
+  result.reserve(infos.size());
   for (BleScanInfoWithConfidence const& info : infos) {
     if (std::sqrt(DistanceUtils::distSquare(info, centre)) < kMaxGnssOffset) {
       result.push_back(info);
