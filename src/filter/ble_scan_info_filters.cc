@@ -161,7 +161,6 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
   return result;
 }
 
-// Indices are sorted so that no record moves more than once.
 void BleScanInfoFilters::sortByTimeStamp(std::vector<BleScanInfoWithConfidence>& infos) {
   // (time, index) pairs sort without touching the records; ties keep their input order.
   std::vector<std::pair<long long, size_t>> order;
@@ -171,12 +170,22 @@ void BleScanInfoFilters::sortByTimeStamp(std::vector<BleScanInfoWithConfidence>&
   }
   std::stable_sort(order.begin(), order.end(),
                    [](auto const& a, auto const& b) { return a.first < b.first; });
-  std::vector<BleScanInfoWithConfidence> sorted;
-  sorted.reserve(infos.size());
-  for (auto const& entry : order) {
-    sorted.push_back(std::move(infos[entry.second]));
+  // The permutation is applied in place, one cycle at a time: no second array of records.
+  std::vector<char> placed(infos.size(), 0);
+  for (size_t start = 0; start < infos.size(); ++start) {
+    if (placed[start] != 0 || order[start].second == start) {
+      continue;
+    }
+    BleScanInfoWithConfidence carried = std::move(infos[start]);
+    size_t slot = start;
+    while (order[slot].second != start) {
+      infos[slot] = std::move(infos[order[slot].second]);
+      placed[slot] = 1;
+      slot = order[slot].second;
+    }
+    infos[slot] = std::move(carried);
+    placed[slot] = 1;
   }
-  infos = std::move(sorted);
 }
 
 void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos,
