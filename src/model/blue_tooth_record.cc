@@ -14,12 +14,4 @@ std::string BlueToothRecord::toString() const {
          "', timeStamp=" + std::to_string(timeStamp_) + ", rssi=" + std::to_string(rssi_) + "}";
 }
 
-bool BlueToothRecord::operator<(BlueToothRecord const& other) const {
-  return orderKey() < other.orderKey();
-}
-
-bool BlueToothRecord::operator==(BlueToothRecord const& other) const {
-  return orderKey() == other.orderKey();
-}
-
 }  // namespace Vantis::Location

@@ -42,6 +42,15 @@ class BlueToothRecord {
   int rssi_;
 };
 
+// Inline: every record comparison starts here.
+inline bool BlueToothRecord::operator<(BlueToothRecord const& other) const {
+  return orderKey() < other.orderKey();
+}
+
+inline bool BlueToothRecord::operator==(BlueToothRecord const& other) const {
+  return orderKey() == other.orderKey();
+}
+
 }  // namespace Vantis::Location
 
 #endif  // CORVEX_MODEL_BLUE_TOOTH_RECORD_H_

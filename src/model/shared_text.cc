@@ -37,17 +37,11 @@ std::string const& SharedText::get() const {
   return body_ != nullptr ? body_->text : kEmpty;
 }
 
-bool SharedText::operator<(SharedText const& other) const {
-  if (body_ == other.body_) {
-    return false;
-  }
+bool SharedText::differentTextsLess(SharedText const& other) const {
   return rankedWith(other) ? body_->rank < other.body_->rank : get() < other.get();
 }
 
-bool SharedText::operator==(SharedText const& other) const {
-  if (body_ == other.body_) {
-    return true;
-  }
+bool SharedText::differentTextsEqual(SharedText const& other) const {
   return rankedWith(other) ? body_->rank == other.body_->rank : get() == other.get();
 }
 

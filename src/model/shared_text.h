@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Vantis::Location {
@@ -24,8 +25,13 @@ class SharedText {
 
   std::string const& get() const;
 
-  bool operator<(SharedText const& other) const;
-  bool operator==(SharedText const& other) const;
+  // Inline for the common case of one shared text (often none) on both sides.
+  bool operator<(SharedText const& other) const {
+    return body_ != other.body_ && differentTextsLess(other);
+  }
+  bool operator==(SharedText const& other) const {
+    return body_ == other.body_ || differentTextsEqual(other);
+  }
 
  private:
   struct Body {
@@ -35,6 +41,8 @@ class SharedText {
   };
 
   explicit SharedText(std::shared_ptr<Body const> body) : body_(std::move(body)) {}
+  bool differentTextsLess(SharedText const& other) const;
+  bool differentTextsEqual(SharedText const& other) const;
   bool rankedWith(SharedText const& other) const {
     return body_ != nullptr && other.body_ != nullptr && body_->table != nullptr &&
            body_->table == other.body_->table;
