@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -77,6 +78,55 @@ using Fate = LocateTrace::Fate;
 
 bool isTracked(std::vector<Fate> const& fates, BleScanInfoWithConfidence const& info) {
   return info.getInputIndex() >= 0 && static_cast<size_t>(info.getInputIndex()) < fates.size();
+}
+
+// infos[k] becomes the record that stood at order[k], for every k: a permutation applied in
+// place, one cycle at a time, so that no second array of records is needed.
+void permute(std::vector<BleScanInfoWithConfidence>& infos, std::vector<size_t> const& order) {
+  std::vector<char> placed(infos.size(), 0);
+  for (size_t start = 0; start < infos.size(); ++start) {
+    if (placed[start] != 0 || order[start] == start) {
+      continue;
+    }
+    BleScanInfoWithConfidence carried = std::move(infos[start]);
+    size_t slot = start;
+    while (order[slot] != start) {
+      infos[slot] = std::move(infos[order[slot]]);
+      placed[slot] = 1;
+      slot = order[slot];
+    }
+    infos[slot] = std::move(carried);
+    placed[slot] = 1;
+  }
+}
+
+// Keeps the records at `members`, in that order, without copying them.
+void keepInPlace(std::vector<BleScanInfoWithConfidence>& infos,
+                 std::vector<size_t> const& members) {
+  std::vector<char> kept(infos.size(), 0);
+  std::vector<size_t> order = members;
+  for (size_t member : members) {
+    kept[member] = 1;
+  }
+  for (size_t i = 0; i < infos.size(); ++i) {
+    if (kept[i] == 0) {
+      order.push_back(i);
+    }
+  }
+  permute(infos, order);
+  infos.erase(infos.begin() + static_cast<std::ptrdiff_t>(members.size()), infos.end());
+}
+
+BleScanInfoFilters::ClusterList copyClusters(std::vector<BleScanInfoWithConfidence> const& infos,
+                                             std::vector<std::vector<size_t>> const& memberLists) {
+  BleScanInfoFilters::ClusterList clusters(memberLists.size());
+  for (size_t c = 0; c < memberLists.size(); ++c) {
+    clusters[c].reserve(memberLists[c].size());
+    for (size_t member : memberLists[c]) {
+      clusters[c].push_back(infos[member]);
+    }
+  }
+  return clusters;
 }
 
 void markEntered(std::vector<Fate>* fates, std::vector<BleScanInfoWithConfidence> const& infos) {
@@ -163,56 +213,50 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
 
 void BleScanInfoFilters::sortByTimeStamp(std::vector<BleScanInfoWithConfidence>& infos) {
   // (time, index) pairs sort without touching the records; ties keep their input order.
-  std::vector<std::pair<long long, size_t>> order;
-  order.reserve(infos.size());
+  std::vector<std::pair<long long, size_t>> keys;
+  keys.reserve(infos.size());
   for (size_t i = 0; i < infos.size(); ++i) {
-    order.emplace_back(timeStampOf(infos[i]), i);
+    keys.emplace_back(timeStampOf(infos[i]), i);
   }
-  std::stable_sort(order.begin(), order.end(),
+  std::stable_sort(keys.begin(), keys.end(),
                    [](auto const& a, auto const& b) { return a.first < b.first; });
-  // The permutation is applied in place, one cycle at a time: no second array of records.
-  std::vector<char> placed(infos.size(), 0);
-  for (size_t start = 0; start < infos.size(); ++start) {
-    if (placed[start] != 0 || order[start].second == start) {
-      continue;
-    }
-    BleScanInfoWithConfidence carried = std::move(infos[start]);
-    size_t slot = start;
-    while (order[slot].second != start) {
-      infos[slot] = std::move(infos[order[slot].second]);
-      placed[slot] = 1;
-      slot = order[slot].second;
-    }
-    infos[slot] = std::move(carried);
-    placed[slot] = 1;
+  std::vector<size_t> order;
+  order.reserve(keys.size());
+  for (auto const& key : keys) {
+    order.push_back(key.second);
   }
+  permute(infos, order);
 }
 
 void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos,
                                           DbscanStage stage) {
   std::string const stageText = std::to_string(static_cast<int>(stage));
-  ClusterList clusters = DBScanFilter::filter(infos, kClusterMinPts,
-                                              stage == DYNAMIC_STAGE ? kDynamicEps : kStaticEps);
-  if (clusters.size() == 1) {
-    infos = std::move(clusters.front());
-  } else if (clusters.empty()) {
+  std::vector<std::vector<size_t>> const memberLists = DBScanFilter::filterIndices(
+      infos, kClusterMinPts, stage == DYNAMIC_STAGE ? kDynamicEps : kStaticEps);
+  size_t clusterCount = memberLists.size();
+  if (clusterCount == 1) {
+    keepInPlace(infos, memberLists.front());
+  } else if (clusterCount == 0) {
     // Keeps the last record as the list stands, which need not be the newest one.
     if (!infos.empty()) {
       infos = {infos.back()};
     }
     logInfo([&] { return "Cluster failed, return latest info in stage " + stageText; });
   } else {
+    // Only a choice among several clusters needs them as record lists.
+    ClusterList clusters = copyClusters(infos, memberLists);
     printClusterResult(clusters);
     int index =
         stage == DYNAMIC_STAGE ? selectDynamicCluster(clusters) : selectStaticCluster(clusters);
     if (index >= 0) {
       infos = std::move(clusters[static_cast<size_t>(index)]);
     }
+    clusterCount = clusters.size();  // the static chooser may have erased some
   }
   logInfo([&] {
     return "Filtered by DBScan stage " + stageText +
            ", Infos size: " + std::to_string(infos.size()) +
-           ", cluster size: " + std::to_string(clusters.size());
+           ", cluster size: " + std::to_string(clusterCount);
   });
 }
 

@@ -37,6 +37,8 @@ class DbScan {
 
   // Clusters in the order of their founding records; noise is dropped. Members are copies.
   std::vector<std::vector<T>> cluster(std::vector<T> const& infos) const;
+  // The same clusters as positions in `infos`, for callers that need not copy records.
+  std::vector<std::vector<size_t>> clusterIndices(std::vector<T> const& infos) const;
   // The single steps of the algorithm, for callers that need them; cluster() works on indices.
   // Copies of the records of `infos`, in order, within eps of `centre` and not == to it.
   std::vector<T> getNeighbours(T const& centre, std::vector<T> const& infos) const;
@@ -70,7 +72,7 @@ class DbScan<T>::Pass {
  public:
   Pass(DbScan const& scan, std::vector<T> const& infos);
 
-  std::vector<std::vector<T>> run();
+  std::vector<std::vector<size_t>> run();
 
  private:
   template <typename Less>
@@ -84,7 +86,7 @@ class DbScan<T>::Pass {
   // whole cluster) and claims their classes.
   void claimNeighbours(size_t centre, std::vector<size_t>& seeds);
   void claimClass(size_t equivalenceClass);
-  std::vector<T> addCluster(size_t founder);
+  std::vector<size_t> addCluster(size_t founder);
 
   static NeighbourGrid makeGrid(std::vector<T> const& infos, double eps);
 
@@ -115,6 +117,19 @@ DbScan<T>::DbScan(double eps, int minPts)
 
 template <typename T>
 std::vector<std::vector<T>> DbScan<T>::cluster(std::vector<T> const& infos) const {
+  std::vector<std::vector<T>> clusters;
+  for (std::vector<size_t> const& members : clusterIndices(infos)) {
+    clusters.emplace_back();
+    clusters.back().reserve(members.size());
+    for (size_t member : members) {
+      clusters.back().push_back(infos[member]);
+    }
+  }
+  return clusters;
+}
+
+template <typename T>
+std::vector<std::vector<size_t>> DbScan<T>::clusterIndices(std::vector<T> const& infos) const {
   if (infos.empty()) {
     return {};
   }
@@ -267,8 +282,8 @@ bool DbScan<T>::Pass::slotsFollowClasses(std::vector<size_t>::const_iterator fir
 }
 
 template <typename T>
-std::vector<std::vector<T>> DbScan<T>::Pass::run() {
-  std::vector<std::vector<T>> clusters;
+std::vector<std::vector<size_t>> DbScan<T>::Pass::run() {
+  std::vector<std::vector<size_t>> clusters;
   for (size_t record = 0; record < infos.size(); ++record) {
     std::optional<int>& label = labelOf[classOf[record]];
     if (label) {
@@ -335,8 +350,8 @@ void DbScan<T>::Pass::claimClass(size_t equivalenceClass) {
 }
 
 template <typename T>
-std::vector<T> DbScan<T>::Pass::addCluster(size_t founder) {
-  std::vector<T> members = {infos[founder]};
+std::vector<size_t> DbScan<T>::Pass::addCluster(size_t founder) {
+  std::vector<size_t> members = {founder};
   labelOf[classOf[founder]] = scan.clusterLabel;
   claimClass(classOf[founder]);
   std::vector<size_t> seeds;
@@ -351,7 +366,7 @@ std::vector<T> DbScan<T>::Pass::addCluster(size_t founder) {
       claimNeighbours(seed, seeds);
     }
     label = scan.clusterLabel;
-    members.push_back(infos[seed]);
+    members.push_back(seed);
   }
   return members;
 }
