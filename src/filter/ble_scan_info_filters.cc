@@ -180,8 +180,8 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
   }
   markRemoved(fates, result, Fate::kKindTransId);
   appendCount(infoCount, result);
-  result = ConfidenceFilter::filter(result, halfAtLeast(result.size(), kMinConfidenceItems),
-                                    kMinConfidence);
+  keepInPlace(result, ConfidenceFilter::keep(
+                          result, halfAtLeast(result.size(), kMinConfidenceItems), kMinConfidence));
   markRemoved(fates, result, Fate::kConfidenceCut);
   appendCount(infoCount, result);
   logInfo([&] {
@@ -196,7 +196,7 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
   appendCount(infoCount, result);
   if (GnssUtils::isOutDoor(result)) {
     logInfo([&] { return "GnssRatio: " + std::to_string(GnssUtils::getGnssRatio(result)); });
-    result = DistanceOffsetFromGnssFilter::filter(result);
+    keepInPlace(result, DistanceOffsetFromGnssFilter::keep(result));
     markRemoved(fates, result, Fate::kGnssOffset);
     appendCount(infoCount, result);
     logInfo([&] { return "Infos size(Filtered by GNSS std): " + std::to_string(result.size()); });

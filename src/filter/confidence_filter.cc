@@ -9,6 +9,17 @@ namespace Vantis::Location {
 
 std::vector<BleScanInfoWithConfidence> ConfidenceFilter::filter(
     std::vector<BleScanInfoWithConfidence> const& infos, int minItems, double threshold) {
+  std::vector<size_t> const kept = keep(infos, minItems, threshold);
+  std::vector<BleScanInfoWithConfidence> result;
+  result.reserve(kept.size());
+  for (size_t index : kept) {
+    result.push_back(infos[index]);
+  }
+  return result;
+}
+
+std::vector<size_t> ConfidenceFilter::keep(std::vector<BleScanInfoWithConfidence> const& infos,
+                                           int minItems, double threshold) {
   if (infos.empty()) {
     CorvexTagLogger::getInstance().error("infos == null or is empty");
     return {};
@@ -17,8 +28,7 @@ std::vector<BleScanInfoWithConfidence> ConfidenceFilter::filter(
     CorvexTagLogger::getInstance().error("minItems can't less than 1");
     return {};
   }
-  // (confidence, index) pairs sort without moving or touching records; only the kept records
-  // are copied.
+  // (confidence, index) pairs sort without moving or touching records.
   std::vector<std::pair<double, size_t>> order;
   order.reserve(infos.size());
   for (size_t i = 0; i < infos.size(); ++i) {
@@ -30,12 +40,12 @@ std::vector<BleScanInfoWithConfidence> ConfidenceFilter::filter(
   while (kept > static_cast<size_t>(minItems) && order[kept - 1].first < threshold) {
     --kept;
   }
-  std::vector<BleScanInfoWithConfidence> result;
-  result.reserve(kept);
+  std::vector<size_t> positions;
+  positions.reserve(kept);
   for (size_t i = 0; i < kept; ++i) {
-    result.push_back(infos[order[i].second]);
+    positions.push_back(order[i].second);
   }
-  return result;
+  return positions;
 }
 
 }  // namespace Vantis::Location
