@@ -65,13 +65,18 @@ bool hasKind(BleScanInfoWithConfidence const& info) {
   return !info.getKindTransId().empty() && info.getKindTransId() != "0";
 }
 
-void removeOlderThanSixHours(std::vector<BleScanInfoWithConfidence>& infos) {
-  long long newest = timeStampOf(infos.back());
-  infos.erase(std::remove_if(infos.begin(), infos.end(),
-                             [newest](BleScanInfoWithConfidence const& info) {
-                               return elapsed(newest, timeStampOf(info)) >= kMaxAge;
-                             }),
-              infos.end());
+// Copies of the records at most six hours older than the last (newest) one, in order.
+std::vector<BleScanInfoWithConfidence> withinSixHours(
+    std::vector<BleScanInfoWithConfidence> const& infos) {
+  long long const newest = timeStampOf(infos.back());
+  std::vector<BleScanInfoWithConfidence> recent;
+  recent.reserve(infos.size());
+  for (BleScanInfoWithConfidence const& info : infos) {
+    if (elapsed(newest, timeStampOf(info)) < kMaxAge) {
+      recent.push_back(info);
+    }
+  }
+  return recent;
 }
 
 using Fate = LocateTrace::Fate;
@@ -168,10 +173,9 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
     CorvexTagLogger::getInstance().error("infos is null or empty");
     return {};
   }
-  std::vector<BleScanInfoWithConfidence> result = infos;
-  markEntered(fates, result);
-  appendCount(infoCount, result);
-  removeOlderThanSixHours(result);
+  markEntered(fates, infos);
+  appendCount(infoCount, infos);
+  std::vector<BleScanInfoWithConfidence> result = withinSixHours(infos);
   markRemoved(fates, result, Fate::kAgeCut);
   appendCount(infoCount, result);
   // Without kinds the filter would return a copy of the list, so it need not run.
