@@ -27,3 +27,10 @@ if(CORVEX_SANITIZE)
                       -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined -fno-sanitize-recover=all)
 endif()
+# ThreadSanitizer (clang only). Programs carry the runtime; the shared library leaves its
+# runtime symbols to the program that loads it, as with the other sanitizers (linking it with
+# the shared runtime instead starts that runtime after the C++ library and crashes).
+if(CORVEX_TSAN)
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=thread)
+endif()

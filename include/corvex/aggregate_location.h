@@ -59,7 +59,7 @@ enum {
   CORVEX_CONFIDENCE_ERROR = 500070,
   CORVEX_LOG_FUN_ERROR = 500080, /* defined for completeness; never returned */
   CORVEX_TAG_IS_MOVED = 500090,
-  CORVEX_NULL_INPUT = 500100 /* infos was null; nothing was written */
+  CORVEX_NULL_INPUT = 500100 /* infos, result or traceLog was null; nothing was written */
 };
 
 /* One hearing of the tag by one phone. 88 bytes; element i starts at byte 88 * i. */
@@ -132,9 +132,11 @@ CORVEX_STATIC_ASSERT(offsetof(AggregateLocationResult, floorAcc) == 68, "floorAc
 CORVEX_STATIC_ASSERT(offsetof(AggregateLocationResult, indoorFlag) == 72, "indoorFlag at 72");
 
 /* Estimates the tag's location from count records (zero or less: an empty list, nothing is
- * read). result must point to one writable record and traceLog to a writable pointer.
+ * read; more than 5000: refused with CORVEX_INPUT_INFO_OVER_LIMIT after one pass over the
+ * time stamps). result must point to one writable record and traceLog to a writable pointer.
  *
- * Returns CORVEX_NULL_INPUT when infos is null, leaving result and *traceLog untouched.
+ * Returns CORVEX_NULL_INPUT when infos, result or traceLog is null, writing nothing (a non-null
+ * result or *traceLog is left untouched).
  * Otherwise it always fills *result and stores a one-line JSON trace in *traceLog, e.g.
  *   {"version":"V2.0","errorCode":0,"errorMsg":"Success","infoCount":[12, 10, 8]}
  * (infoCount: records left after each filter stage), and returns the result's code:

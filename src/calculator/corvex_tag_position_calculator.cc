@@ -12,8 +12,6 @@
 namespace Vantis::Location {
 namespace {
 
-// 5000 records are accepted, 5001 refused.
-constexpr std::size_t kMaxRecords = 5001;
 constexpr int kMissingRssi = 0;
 constexpr int kDefaultRssi = -100;  // dBm
 constexpr double kMinConfidenceSum = 0.0001;
@@ -42,6 +40,11 @@ void recordOutcome(LocateTrace::Outcome& outcome, TagBestLocation result,
   outcome.acc = result.getAcc();
   outcome.runTimeStamp = result.getRunTimeStamp();
   outcome.code = result.getErrorCode().getErrorCode();
+}
+
+TagBestLocation refuseWithOverLimit(TagBestLocation& defaultResult) {
+  CorvexTagLogger::getInstance().error("infos size exceed limit");
+  return defaultResult.setErrorCodeAndGet(ErrorCode::INPUT_INFO_OVER_LIMIT);
 }
 
 bool isSolved(TagBestLocation const& result) {
@@ -91,22 +94,32 @@ TagBestLocation CorvexTagPositionCalculator::getPosition(
   }
   TagBestLocation chosen;
   if (mainWins) {
-    CorvexTagLogger::getInstance().info("using algorithm 1");
+    CorvexTagLogger::getInstance().infoBuilt([&] { return "using algorithm 1"; });
     CoordinateConverter::enuConvertToGnss(innerResult, refPos);
     chosen = std::move(innerResult);
   } else {
-    CorvexTagLogger::getInstance().info("using algorithm 2");
+    CorvexTagLogger::getInstance().infoBuilt([&] { return "using algorithm 2"; });
     chosen = std::move(kmeansResult);
   }
   setResultIndoorInfo(chosen, infos, indoorVote());
   return chosen;
 }
 
+TagBestLocation CorvexTagPositionCalculator::refuseOverLimit(
+    BleScanInfoWithConfidence const& newest) {
+  TagBestLocation defaultResult = newestScanResult(newest);
+  setResultIndoorInfo(defaultResult, {newest}, indoorVote());
+  TagBestLocation result = refuseWithOverLimit(defaultResult);
+  if (trace_ != nullptr) {
+    recordOutcome(trace_->main, result, {}, false);
+  }
+  return result;
+}
+
 TagBestLocation CorvexTagPositionCalculator::getPositionInner(
     std::vector<BleScanInfoWithConfidence>& infos, TagBestLocation& defaultResult) {
-  if (infos.size() >= kMaxRecords) {
-    CorvexTagLogger::getInstance().error("infos size exceed limit");
-    return defaultResult.setErrorCodeAndGet(ErrorCode::INPUT_INFO_OVER_LIMIT);
+  if (infos.size() > kMaxInfos) {
+    return refuseWithOverLimit(defaultResult);
   }
   setDefaultRssi(infos);
   if (!getNewConfidence(infos)) {
@@ -121,7 +134,7 @@ TagBestLocation CorvexTagPositionCalculator::getPositionInner(
   TagBestLocation tagResult = getTagResult(filteredInfos_);
   // All records count here, not only the filtered ones.
   if (checkMoved(infos, tagResult)) {
-    CorvexTagLogger::getInstance().info("Tag is moved");
+    CorvexTagLogger::getInstance().infoBuilt([&] { return "Tag is moved"; });
     return defaultResult.setErrorCodeAndGet(ErrorCode::TAG_IS_MOVED);
   }
   tagResult.setRunTimeStamp(getRunTimeStamp(infos, tagResult));

@@ -1,6 +1,7 @@
 #ifndef CORVEX_CALCULATOR_CORVEX_TAG_POSITION_CALCULATOR_H_
 #define CORVEX_CALCULATOR_CORVEX_TAG_POSITION_CALCULATOR_H_
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +21,8 @@ namespace Vantis::Location {
 // east/north metres around the oldest record while solving and degrees otherwise.
 class CorvexTagPositionCalculator : public PositionCalculator {
  public:
+  static constexpr std::size_t kMaxInfos = 5000;
+
   // trace: when not null, filled with what the next getPosition call does (see LocateTrace);
   // it must outlive the calculator's calls. Results and log lines are the same either way.
   explicit CorvexTagPositionCalculator(LocateTrace* trace = nullptr) : trace_(trace) {}
@@ -27,6 +30,10 @@ class CorvexTagPositionCalculator : public PositionCalculator {
   // Sorts infos by scan time and scores them in place; they leave in degrees (lon/lat) again.
   // Every failure is an error code on the result.
   TagBestLocation getPosition(std::vector<BleScanInfoWithConfidence>& infos) override;
+  // The answer to more than kMaxInfos records, from the newest one alone (newest: the last
+  // record of the greatest scan time): the result and log line getPosition gives for them,
+  // without sorting or copying them all.
+  TagBestLocation refuseOverLimit(BleScanInfoWithConfidence const& newest);
   // The stages on records in the local plane; early exits return defaultResult with the code.
   TagBestLocation getPositionInner(std::vector<BleScanInfoWithConfidence>& infos,
                                    TagBestLocation& defaultResult);
@@ -88,7 +95,8 @@ class CorvexTagPositionCalculator : public PositionCalculator {
   static void filterIndoor(TagBestLocation const& result,
                            std::vector<BleScanInfoWithConfidence> const& infos,
                            std::vector<BleScanInfoWithConfidence>& out);
-  // The most frequent value; the smallest among equally frequent ones; empty/0 for no values.
+  // The most frequent value; the smallest among equally frequent ones (texts bytewise);
+  // empty/0 for no values. For SharedText and int.
   template <typename T>
   static T selectMostOccurrences(std::vector<T> const& values);
 
@@ -100,8 +108,8 @@ class CorvexTagPositionCalculator : public PositionCalculator {
   std::vector<BleScanInfoWithConfidence> filteredInfos_;  // survivors of the last filtering
 };
 
-extern template std::string CorvexTagPositionCalculator::selectMostOccurrences<std::string>(
-    std::vector<std::string> const& values);
+extern template std::string_view CorvexTagPositionCalculator::selectMostOccurrences<
+    std::string_view>(std::vector<std::string_view> const& values);
 extern template int CorvexTagPositionCalculator::selectMostOccurrences<int>(
     std::vector<int> const& values);
 

@@ -60,12 +60,12 @@ bool isIndoorCandidate(TagBestLocation const& result, BleScanInfoWithConfidence 
 // Truncated mean floor accuracy of the candidates in the building on the floor, summed as
 // 32-bit integers (wrapping); false when there are none.
 bool averageFloorAcc(std::vector<BleScanInfoWithConfidence> const& candidates,
-                     std::string const& building, int floor, int& average) {
+                     SharedText const& building, int floor, int& average) {
   std::uint32_t sum = 0;
   std::size_t count = 0;
   for (BleScanInfoWithConfidence const& candidate : candidates) {
     LastLocation const& location = candidate.getLastLocationConst();
-    if (location.getGeoId() == building && location.getFloorId() == floor) {
+    if (location.getGeoIdText() == building && location.getFloorId() == floor) {
       sum += static_cast<std::uint32_t>(location.getFloorAcc());
       ++count;
     }
@@ -150,22 +150,25 @@ void CorvexTagPositionCalculator::setResultIndoorInfo(
   if (candidates.empty()) {
     return;
   }
-  std::vector<std::string> geoIds;
+  // Shared texts, not copies: building texts may be long.
+  std::vector<SharedText> geoIds;
+  geoIds.reserve(candidates.size());
   for (BleScanInfoWithConfidence const& candidate : candidates) {
-    geoIds.push_back(candidate.getLastLocationConst().getGeoId());
+    geoIds.push_back(candidate.getLastLocationConst().getGeoIdText());
   }
-  std::string const building = selectMostOccurrences(geoIds);
+  SharedText const building = selectMostOccurrences(geoIds);
   if (vote != nullptr) {
-    vote->buildingCounts = tally(geoIds);
-    vote->building = building;
+    for (auto const& [geoId, count] : tally(geoIds)) {
+      vote->buildingCounts.emplace_back(geoId.get(), count);
+    }
+    vote->building = building.get();
   }
-  if (building.empty()) {
+  if (building.get().empty()) {
     return;
   }
-
   std::vector<int> floorIds;
   for (BleScanInfoWithConfidence const& candidate : candidates) {
-    if (candidate.getLastLocationConst().getGeoId() == building) {
+    if (candidate.getLastLocationConst().getGeoIdText() == building) {
       floorIds.push_back(candidate.getLastLocationConst().getFloorId());
     }
   }
@@ -179,7 +182,7 @@ void CorvexTagPositionCalculator::setResultIndoorInfo(
     return;
   }
   result.setIndoorFlag(1);
-  result.setGeoId(building);
+  result.setGeoId(building.get());
   result.setFloorId(floor);
   result.setFloorAcc(floorAcc);
   if (vote != nullptr) {
@@ -204,8 +207,8 @@ T CorvexTagPositionCalculator::selectMostOccurrences(std::vector<T> const& value
   return best;
 }
 
-template std::string CorvexTagPositionCalculator::selectMostOccurrences<std::string>(
-    std::vector<std::string> const& values);
+template SharedText CorvexTagPositionCalculator::selectMostOccurrences<SharedText>(
+    std::vector<SharedText> const& values);
 template int CorvexTagPositionCalculator::selectMostOccurrences<int>(
     std::vector<int> const& values);
 

@@ -27,7 +27,8 @@ void mergeGroups(std::vector<std::vector<Point>>& groups) {
         groups[j].clear();
       }
     }
-    CorvexTagLogger::getInstance().info("applyDbScanInner: " + std::to_string(groups[i].size()));
+    CorvexTagLogger::getInstance().infoBuilt(
+        [&] { return "applyDbScanInner: " + std::to_string(groups[i].size()); });
   }
 }
 
@@ -36,7 +37,7 @@ void mergeGroups(std::vector<std::vector<Point>>& groups) {
 std::vector<Point> DBScanOld::getFilteredPointList(std::vector<Point>& points, double eps,
                                                    int minPts) {
   CorvexTagLogger& logger = CorvexTagLogger::getInstance();
-  logger.info("getFilteredPointList");
+  logger.infoBuilt([&] { return "getFilteredPointList"; });
   if (points.empty()) {
     logger.error("points is empty!");
     return {};
@@ -70,8 +71,8 @@ std::vector<std::vector<Point>> DBScanOld::applyDbScanInner(std::vector<Point>& 
     }
   }
   mergeGroups(groups);
-  CorvexTagLogger::getInstance().info("applyDbScanInner: result size " +
-                                      std::to_string(groups.size()));
+  CorvexTagLogger::getInstance().infoBuilt(
+      [&] { return "applyDbScanInner: result size " + std::to_string(groups.size()); });
   return groups;
 }
 

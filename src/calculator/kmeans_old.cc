@@ -58,7 +58,7 @@ void runRound(std::vector<Point>& points, std::vector<Point>& centers) {
 }  // namespace
 
 Point KmeansOld::getCorePoint(std::vector<Point>& points, int k, int maxIter) {
-  CorvexTagLogger::getInstance().info("getCorePoint");
+  CorvexTagLogger::getInstance().infoBuilt([&] { return "getCorePoint"; });
   if (points.empty()) {
     CorvexTagLogger::getInstance().error("points list is empty!");
     return Point(0, 0);
@@ -67,7 +67,7 @@ Point KmeansOld::getCorePoint(std::vector<Point>& points, int k, int maxIter) {
 }
 
 Point KmeansOld::applyKmeansInner(std::vector<Point>& points, int k, int maxIter) {
-  CorvexTagLogger::getInstance().info("applyKmeansInner");
+  CorvexTagLogger::getInstance().infoBuilt([&] { return "applyKmeansInner"; });
   // Without a centre (k < 1) there is nothing to start from.
   if (k < 1 || fewerPointsThan(points, k)) {
     return Point(0, 0);
@@ -79,9 +79,10 @@ Point KmeansOld::applyKmeansInner(std::vector<Point>& points, int k, int maxIter
 
 std::vector<Point> KmeansOld::kmeans(std::vector<Point>& points, std::vector<Point>& centers, int k,
                                      int maxIter) {
-  CorvexTagLogger::getInstance().info("kmeans");
+  CorvexTagLogger::getInstance().infoBuilt([&] { return "kmeans"; });
   if (!fewerPointsThan(points, k)) {
-    CorvexTagLogger::getInstance().info("points size " + std::to_string(points.size()));
+    CorvexTagLogger::getInstance().infoBuilt(
+        [&] { return "points size " + std::to_string(points.size()); });
     // Rounds need a centre to update and a points[0] to mirror it into.
     bool const canRun = !centers.empty() && !points.empty();
     for (int round = 0; canRun && round < maxIter; ++round) {
@@ -95,6 +96,11 @@ void KmeansOld::findCenter(std::vector<Point> const& points, std::vector<Point> 
                            std::vector<int>& assign, int i) {
   if (i < 0 || static_cast<std::size_t>(i) >= points.size() ||
       static_cast<std::size_t>(i) >= assign.size() || centers.empty()) {
+    return;
+  }
+  // A lone centre is the nearest whatever the distance, NaN included: no need to measure.
+  if (centers.size() == 1) {
+    assign[i] = 0;
     return;
   }
   int nearest = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <numeric>
 #include <string>
 
 #include "calculator/db_scan_old.h"
@@ -47,6 +48,23 @@ void sortMostConfidentFirst(Infos& infos) {
                    });
 }
 
+// Copies of the `limit` newest records, newest first (equal times in input order): the part of
+// the time order that the confidence cut can keep.
+Infos newestRecords(Infos const& infos, std::size_t limit) {
+  std::vector<std::size_t> order(infos.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&infos](std::size_t a, std::size_t b) {
+    return scanTime(infos[a]) > scanTime(infos[b]);
+  });
+  order.resize(std::min(limit, order.size()));
+  Infos newest;
+  newest.reserve(order.size());
+  for (std::size_t index : order) {
+    newest.push_back(infos[index]);
+  }
+  return newest;
+}
+
 bool isConfident(BleScanInfoWithConfidence const& info) {
   return info.getConfidence() >= kMinConfidence;
 }
@@ -86,35 +104,37 @@ TagBestLocation KmeansPositionCalculator::getPosition(Infos& infos) {
     logger.error(" infos size exceed limit");
     return TagBestLocation(ErrorCode::INPUT_INFO_OVER_LIMIT);
   }
-  Infos offlineLocationList = infos;
-  sortNewestFirst(offlineLocationList);
+  Infos offlineLocationList = newestRecords(infos, kKeptByConfidenceCut);
   filterLowConfidence(offlineLocationList);
   long long const latestTime = scanTime(offlineLocationList.front());
   TagBestLocation fallback = newestPhonePosition(offlineLocationList.front());
-  logger.info(" offlineLocationList size: " + std::to_string(offlineLocationList.size()));
+  logger.infoBuilt(
+      [&] { return " offlineLocationList size: " + std::to_string(offlineLocationList.size()); });
 
   Infos preprocessed = preprocessOfflineLocation(offlineLocationList);
   if (preprocessed.empty()) {
-    logger.info(" preprocessedOfflineLocation is empty");
+    logger.infoBuilt([&] { return " preprocessedOfflineLocation is empty"; });
     return fallback.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);
   }
   std::vector<Point> points = convertToPoint(preprocessed);
   std::vector<Point> filteredPoints =
       DBScanOld::getFilteredPointList(points, kClusterRadius, kClusterMinPoints);
-  logger.info(" Old DBScan after: " + std::to_string(filteredPoints.size()));
+  logger.infoBuilt([&] { return " Old DBScan after: " + std::to_string(filteredPoints.size()); });
   if (filteredPoints.empty()) {
-    logger.info(" filteredPointList is empty");
+    logger.infoBuilt([&] { return " filteredPointList is empty"; });
     return fallback.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);
   }
   // A moving tag keeps the newest phone position as a success, not as TAG_IS_MOVED.
   if (checkMove(preprocessed, filteredPoints)) {
-    logger.info(" TAG is moving.");
+    logger.infoBuilt([&] { return " TAG is moving."; });
     return fallback;
   }
   float const successRatio =
       static_cast<float>(filteredPoints.size()) / static_cast<float>(points.size());
   if (successRatio < kMinSuccessRatio) {
-    logger.info(" successRatio too low: " + std::to_string(static_cast<double>(successRatio)));
+    logger.infoBuilt([&] {
+      return " successRatio too low: " + std::to_string(static_cast<double>(successRatio));
+    });
     return fallback;
   }
   Point core = KmeansOld::getCorePoint(filteredPoints, kClusterCount, kMaxIterations);

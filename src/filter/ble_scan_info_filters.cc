@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <numeric>
 #include <string>
 #include <utility>
 
@@ -36,7 +36,11 @@ constexpr size_t kMinOneGnssClusterSize = 4;
 constexpr double kActiveConfidence = 0.98;
 constexpr float kMaxActiveAcc = 50.0f;  // metres
 
-void logInfo(std::string const& message) { CorvexTagLogger::getInstance().info(message); }
+// `build` returns the message; it runs only when an info line would be kept.
+template <typename Build>
+void logInfo(Build const& build) {
+  CorvexTagLogger::getInstance().infoBuilt(build);
+}
 
 // later - earlier (ms), wrapping like the hardware instead of overflowing.
 long long elapsed(long long later, long long earlier) {
@@ -57,19 +61,77 @@ void appendCount(std::vector<int>& infoCount, std::vector<BleScanInfoWithConfide
   infoCount.push_back(static_cast<int>(infos.size()));
 }
 
-void removeOlderThanSixHours(std::vector<BleScanInfoWithConfidence>& infos) {
-  long long newest = timeStampOf(infos.back());
-  infos.erase(std::remove_if(infos.begin(), infos.end(),
-                             [newest](BleScanInfoWithConfidence const& info) {
-                               return elapsed(newest, timeStampOf(info)) >= kMaxAge;
-                             }),
-              infos.end());
+bool hasKind(BleScanInfoWithConfidence const& info) {
+  return !info.getKindTransId().empty() && info.getKindTransId() != "0";
+}
+
+// Copies of the records at most six hours older than the last (newest) one, in order.
+std::vector<BleScanInfoWithConfidence> withinSixHours(
+    std::vector<BleScanInfoWithConfidence> const& infos) {
+  long long const newest = timeStampOf(infos.back());
+  std::vector<BleScanInfoWithConfidence> recent;
+  recent.reserve(infos.size());
+  for (BleScanInfoWithConfidence const& info : infos) {
+    if (elapsed(newest, timeStampOf(info)) < kMaxAge) {
+      recent.push_back(info);
+    }
+  }
+  return recent;
 }
 
 using Fate = LocateTrace::Fate;
 
 bool isTracked(std::vector<Fate> const& fates, BleScanInfoWithConfidence const& info) {
   return info.getInputIndex() >= 0 && static_cast<size_t>(info.getInputIndex()) < fates.size();
+}
+
+// infos[k] becomes the record that stood at order[k], for every k: a permutation applied in
+// place, one cycle at a time, so that no second array of records is needed.
+void permute(std::vector<BleScanInfoWithConfidence>& infos, std::vector<size_t> const& order) {
+  std::vector<char> placed(infos.size(), 0);
+  for (size_t start = 0; start < infos.size(); ++start) {
+    if (placed[start] != 0 || order[start] == start) {
+      continue;
+    }
+    BleScanInfoWithConfidence carried = std::move(infos[start]);
+    size_t slot = start;
+    while (order[slot] != start) {
+      infos[slot] = std::move(infos[order[slot]]);
+      placed[slot] = 1;
+      slot = order[slot];
+    }
+    infos[slot] = std::move(carried);
+    placed[slot] = 1;
+  }
+}
+
+// Keeps the records at `members`, in that order, without copying them.
+void keepInPlace(std::vector<BleScanInfoWithConfidence>& infos,
+                 std::vector<size_t> const& members) {
+  std::vector<char> kept(infos.size(), 0);
+  std::vector<size_t> order = members;
+  for (size_t member : members) {
+    kept[member] = 1;
+  }
+  for (size_t i = 0; i < infos.size(); ++i) {
+    if (kept[i] == 0) {
+      order.push_back(i);
+    }
+  }
+  permute(infos, order);
+  infos.erase(infos.begin() + static_cast<std::ptrdiff_t>(members.size()), infos.end());
+}
+
+BleScanInfoFilters::ClusterList copyClusters(std::vector<BleScanInfoWithConfidence> const& infos,
+                                             std::vector<std::vector<size_t>> const& memberLists) {
+  BleScanInfoFilters::ClusterList clusters(memberLists.size());
+  for (size_t c = 0; c < memberLists.size(); ++c) {
+    clusters[c].reserve(memberLists[c].size());
+    for (size_t member : memberLists[c]) {
+      clusters[c].push_back(infos[member]);
+    }
+  }
+  return clusters;
 }
 
 void markEntered(std::vector<Fate>* fates, std::vector<BleScanInfoWithConfidence> const& infos) {
@@ -111,21 +173,25 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
     CorvexTagLogger::getInstance().error("infos is null or empty");
     return {};
   }
-  std::vector<BleScanInfoWithConfidence> result = infos;
-  markEntered(fates, result);
-  appendCount(infoCount, result);
-  removeOlderThanSixHours(result);
+  markEntered(fates, infos);
+  appendCount(infoCount, infos);
+  std::vector<BleScanInfoWithConfidence> result = withinSixHours(infos);
   markRemoved(fates, result, Fate::kAgeCut);
   appendCount(infoCount, result);
-  result = KindTransIDFilter::filter(result);
+  // Without kinds the filter would return a copy of the list, so it need not run.
+  if (std::any_of(result.begin(), result.end(), hasKind)) {
+    result = KindTransIDFilter::filter(result);
+  }
   markRemoved(fates, result, Fate::kKindTransId);
   appendCount(infoCount, result);
-  result = ConfidenceFilter::filter(result, halfAtLeast(result.size(), kMinConfidenceItems),
-                                    kMinConfidence);
+  keepInPlace(result, ConfidenceFilter::keep(
+                          result, halfAtLeast(result.size(), kMinConfidenceItems), kMinConfidence));
   markRemoved(fates, result, Fate::kConfidenceCut);
   appendCount(infoCount, result);
-  logInfo("Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): " +
-          printVec(infoCount));
+  logInfo([&] {
+    return "Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): " +
+           printVec(infoCount);
+  });
   dbscanClustering(result, DYNAMIC_STAGE);
   markRemoved(fates, result, Fate::kDynamicCluster);
   appendCount(infoCount, result);
@@ -133,59 +199,69 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
   markRemoved(fates, result, Fate::kStaticCluster);
   appendCount(infoCount, result);
   if (GnssUtils::isOutDoor(result)) {
-    logInfo("GnssRatio: " + std::to_string(GnssUtils::getGnssRatio(result)));
-    result = DistanceOffsetFromGnssFilter::filter(result);
+    logInfo([&] { return "GnssRatio: " + std::to_string(GnssUtils::getGnssRatio(result)); });
+    keepInPlace(result, DistanceOffsetFromGnssFilter::keep(result));
     markRemoved(fates, result, Fate::kGnssOffset);
     appendCount(infoCount, result);
-    logInfo("Infos size(Filtered by GNSS std): " + std::to_string(result.size()));
+    logInfo([&] { return "Infos size(Filtered by GNSS std): " + std::to_string(result.size()); });
     result = DistanceOffsetFilter::filterByDistance(
         result, halfAtLeast(result.size(), kMinDistanceItems), kMaxDistanceStd);
     markRemoved(fates, result, Fate::kSpreadTrim);
     appendCount(infoCount, result);
-    logInfo("Infos size(Filtered by distance std): " + std::to_string(result.size()));
+    logInfo(
+        [&] { return "Infos size(Filtered by distance std): " + std::to_string(result.size()); });
   }
   sortByTimeStamp(result);
   return result;
 }
 
-// Indices are sorted so that no record moves more than once.
 void BleScanInfoFilters::sortByTimeStamp(std::vector<BleScanInfoWithConfidence>& infos) {
-  std::vector<size_t> order(infos.size());
-  std::iota(order.begin(), order.end(), size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&infos](size_t a, size_t b) {
-    return timeStampOf(infos[a]) < timeStampOf(infos[b]);
-  });
-  std::vector<BleScanInfoWithConfidence> sorted;
-  sorted.reserve(infos.size());
-  for (size_t index : order) {
-    sorted.push_back(std::move(infos[index]));
+  // (time, index) pairs sort without touching the records; ties keep their input order.
+  std::vector<std::pair<long long, size_t>> keys;
+  keys.reserve(infos.size());
+  for (size_t i = 0; i < infos.size(); ++i) {
+    keys.emplace_back(timeStampOf(infos[i]), i);
   }
-  infos = std::move(sorted);
+  std::stable_sort(keys.begin(), keys.end(),
+                   [](auto const& a, auto const& b) { return a.first < b.first; });
+  std::vector<size_t> order;
+  order.reserve(keys.size());
+  for (auto const& key : keys) {
+    order.push_back(key.second);
+  }
+  permute(infos, order);
 }
 
 void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos,
                                           DbscanStage stage) {
   std::string const stageText = std::to_string(static_cast<int>(stage));
-  ClusterList clusters = DBScanFilter::filter(infos, kClusterMinPts,
-                                              stage == DYNAMIC_STAGE ? kDynamicEps : kStaticEps);
-  if (clusters.size() == 1) {
-    infos = std::move(clusters.front());
-  } else if (clusters.empty()) {
+  std::vector<std::vector<size_t>> const memberLists = DBScanFilter::filterIndices(
+      infos, kClusterMinPts, stage == DYNAMIC_STAGE ? kDynamicEps : kStaticEps);
+  size_t clusterCount = memberLists.size();
+  if (clusterCount == 1) {
+    keepInPlace(infos, memberLists.front());
+  } else if (clusterCount == 0) {
     // Keeps the last record as the list stands, which need not be the newest one.
     if (!infos.empty()) {
       infos = {infos.back()};
     }
-    logInfo("Cluster failed, return latest info in stage " + stageText);
+    logInfo([&] { return "Cluster failed, return latest info in stage " + stageText; });
   } else {
+    // Only a choice among several clusters needs them as record lists.
+    ClusterList clusters = copyClusters(infos, memberLists);
     printClusterResult(clusters);
     int index =
         stage == DYNAMIC_STAGE ? selectDynamicCluster(clusters) : selectStaticCluster(clusters);
     if (index >= 0) {
       infos = std::move(clusters[static_cast<size_t>(index)]);
     }
+    clusterCount = clusters.size();  // the static chooser may have erased some
   }
-  logInfo("Filtered by DBScan stage " + stageText + ", Infos size: " +
-          std::to_string(infos.size()) + ", cluster size: " + std::to_string(clusters.size()));
+  logInfo([&] {
+    return "Filtered by DBScan stage " + stageText +
+           ", Infos size: " + std::to_string(infos.size()) +
+           ", cluster size: " + std::to_string(clusterCount);
+  });
 }
 
 void BleScanInfoFilters::printClusterResult(ClusterList const& clusters) {
@@ -193,7 +269,7 @@ void BleScanInfoFilters::printClusterResult(ClusterList const& clusters) {
   for (Cluster const& cluster : clusters) {
     sizes.push_back(static_cast<int>(cluster.size()));
   }
-  logInfo("Cluster size: " + printVec(sizes));
+  logInfo([&] { return "Cluster size: " + printVec(sizes); });
 }
 
 std::string BleScanInfoFilters::printVec(std::vector<int> const& values) {
@@ -221,7 +297,7 @@ std::vector<int> BleScanInfoFilters::getLatestPointsCluster(ClusterList const& c
     if (i + 1 < newestFirst.size() &&
         std::sqrt(DistanceUtils::distSquare(*newestFirst[i].info, *newestFirst[i + 1].info)) >
             kMaxLatestPointsJump) {
-      logInfo("isValid set to false, valid len = " + std::to_string(i + 1));
+      logInfo([&] { return "isValid set to false, valid len = " + std::to_string(i + 1); });
       break;
     }
   }
@@ -230,7 +306,7 @@ std::vector<int> BleScanInfoFilters::getLatestPointsCluster(ClusterList const& c
 
 int BleScanInfoFilters::getClusterByTimeSwitchCheck(ClusterList const& clusters) {
   std::vector<int> const labels = getLatestPointsCluster(clusters);
-  logInfo("Latest points belong to: " + printVec(labels));
+  logInfo([&] { return "Latest points belong to: " + printVec(labels); });
   // Each unbroken stretch of one label counts as one visit of that cluster.
   std::vector<int> visits(clusters.size(), 0);
   for (size_t i = labels.size(); i-- > 0;) {
@@ -249,17 +325,17 @@ int BleScanInfoFilters::getClusterByTimeSwitchCheck(ClusterList const& clusters)
 int BleScanInfoFilters::selectStaticCluster(ClusterList& clusters) {
   int index = getLatestCluster(clusters);
   if (index >= 0) {
-    logInfo("getLatestCluster");
+    logInfo([&] { return "getLatestCluster"; });
     return index;
   }
   index = getHaveGnssCluster(clusters);
   if (index >= 0) {
-    logInfo("haveGnssCluster");
+    logInfo([&] { return "haveGnssCluster"; });
     return index;
   }
   index = getActiveCluster(clusters);
   if (index >= 0) {
-    logInfo("haveActiveCluster");
+    logInfo([&] { return "haveActiveCluster"; });
     return index;
   }
   index = getClusterByTimeSwitchCheck(clusters);
@@ -293,11 +369,11 @@ int BleScanInfoFilters::getLatestCluster(ClusterList& clusters) {
     }
   }
   if (newestFirst.size() == 1) {
-    logInfo("saved cluster: " + std::to_string(newestFirst.front().cluster));
+    logInfo([&] { return "saved cluster: " + std::to_string(newestFirst.front().cluster); });
     return newestFirst.front().cluster;
   }
   std::sort(stale.begin(), stale.end(), std::greater<int>());
-  logInfo("delete cluster: " + printVec(stale));
+  logInfo([&] { return "delete cluster: " + printVec(stale); });
   for (int index : stale) {
     clusters.erase(clusters.begin() + index);
   }
@@ -311,7 +387,7 @@ int BleScanInfoFilters::getHaveGnssCluster(ClusterList const& clusters) {
     int gnssCount = getGnssCount(clusters[i]);
     bool qualifies = gnssCount >= 2;
     if (gnssCount == 1 && clusters[i].size() >= kMinOneGnssClusterSize) {
-      logInfo("only one GNSS, needs careful consideration");
+      logInfo([&] { return "only one GNSS, needs careful consideration"; });
       qualifies = true;
     }
     if (qualifies) {
@@ -342,7 +418,7 @@ int BleScanInfoFilters::getActiveCount(Cluster const& cluster) {
       ++count;
     }
   }
-  logInfo("getActiveCount: " + std::to_string(count));
+  logInfo([&] { return "getActiveCount: " + std::to_string(count); });
   return count;
 }
 
@@ -353,7 +429,7 @@ int BleScanInfoFilters::getGnssCount(Cluster const& cluster) {
       ++count;
     }
   }
-  logInfo("getGnssCount: " + std::to_string(count));
+  logInfo([&] { return "getGnssCount: " + std::to_string(count); });
   return count;
 }
 

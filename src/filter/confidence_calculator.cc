@@ -46,6 +46,8 @@ ConfidenceCalculator::ConfidenceCalculator(std::vector<BleScanInfoWithConfidence
 void ConfidenceCalculator::score(std::vector<BleScanInfoWithConfidence> const& infos) {
   std::vector<double> rssiScores;
   std::vector<double> confidences;
+  rssiScores.reserve(infos.size());
+  confidences.reserve(infos.size());
   for (BleScanInfoWithConfidence const& info : infos) {
     rssiScores.push_back(getRssiScore(info) / 100.0);
     confidences.push_back(getConfidenceScore(info));

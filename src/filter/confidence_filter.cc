@@ -1,7 +1,7 @@
 #include "filter/confidence_filter.h"
 
 #include <algorithm>
-#include <numeric>
+#include <utility>
 
 #include "interface/corvex_tag_logger.h"
 
@@ -9,6 +9,17 @@ namespace Vantis::Location {
 
 std::vector<BleScanInfoWithConfidence> ConfidenceFilter::filter(
     std::vector<BleScanInfoWithConfidence> const& infos, int minItems, double threshold) {
+  std::vector<size_t> const kept = keep(infos, minItems, threshold);
+  std::vector<BleScanInfoWithConfidence> result;
+  result.reserve(kept.size());
+  for (size_t index : kept) {
+    result.push_back(infos[index]);
+  }
+  return result;
+}
+
+std::vector<size_t> ConfidenceFilter::keep(std::vector<BleScanInfoWithConfidence> const& infos,
+                                           int minItems, double threshold) {
   if (infos.empty()) {
     CorvexTagLogger::getInstance().error("infos == null or is empty");
     return {};
@@ -17,23 +28,24 @@ std::vector<BleScanInfoWithConfidence> ConfidenceFilter::filter(
     CorvexTagLogger::getInstance().error("minItems can't less than 1");
     return {};
   }
-  // Sorting indices moves no records, and only the kept ones are copied.
-  std::vector<size_t> order(infos.size());
-  std::iota(order.begin(), order.end(), size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&infos](size_t a, size_t b) {
-    return infos[a].getConfidence() > infos[b].getConfidence();
-  });
+  // (confidence, index) pairs sort without moving or touching records.
+  std::vector<std::pair<double, size_t>> order;
+  order.reserve(infos.size());
+  for (size_t i = 0; i < infos.size(); ++i) {
+    order.emplace_back(infos[i].getConfidence(), i);
+  }
+  std::stable_sort(order.begin(), order.end(),
+                   [](auto const& a, auto const& b) { return a.first > b.first; });
   size_t kept = order.size();
-  while (kept > static_cast<size_t>(minItems) &&
-         infos[order[kept - 1]].getConfidence() < threshold) {
+  while (kept > static_cast<size_t>(minItems) && order[kept - 1].first < threshold) {
     --kept;
   }
-  std::vector<BleScanInfoWithConfidence> result;
-  result.reserve(kept);
+  std::vector<size_t> positions;
+  positions.reserve(kept);
   for (size_t i = 0; i < kept; ++i) {
-    result.push_back(infos[order[i]]);
+    positions.push_back(order[i].second);
   }
-  return result;
+  return positions;
 }
 
 }  // namespace Vantis::Location

@@ -1,6 +1,7 @@
 #ifndef CORVEX_FILTER_CONFIDENCE_FILTER_H_
 #define CORVEX_FILTER_CONFIDENCE_FILTER_H_
 
+#include <cstddef>
 #include <vector>
 
 #include "model/ble_scan_info_with_confidence.h"
@@ -14,6 +15,9 @@ class ConfidenceFilter {
   // more than `minItems` records remain. Empty, with an error line, on bad input.
   static std::vector<BleScanInfoWithConfidence> filter(
       std::vector<BleScanInfoWithConfidence> const& infos, int minItems, double threshold);
+  // The same selection as positions in `infos`, in the order filter() returns the records.
+  static std::vector<size_t> keep(std::vector<BleScanInfoWithConfidence> const& infos, int minItems,
+                                  double threshold);
 };
 
 }  // namespace Vantis::Location

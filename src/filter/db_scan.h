@@ -3,8 +3,7 @@
 
 #include <algorithm>
 #include <climits>
-#include <limits>
-#include <map>
+#include <cstddef>
 #include <memory>
 #include <numeric>
 #include <optional>
@@ -22,13 +21,14 @@
 namespace Vantis::Location {
 
 // Density-based clustering (DBSCAN, Ester, Kriegel, Sander and Xu, KDD 1996) of records by the
-// {x, y} position getPoint() gives. T derives from DbScanClass and has operator< and
-// operator==; like a scan record, it is ordered first by a getBlueToothRecordConst() free of
-// NaN, and every field of its operator< also takes part in its operator==. Departures from the
-// textbook: a record reached once is never touched again, so a record found to be noise never
-// becomes a border record of a later cluster; a record operator== to a centre is never its
-// neighbour; and records equivalent under operator< count as one record wherever the algorithm asks
-// whether a record was seen.
+// {x, y} position getPoint() gives. T derives from DbScanClass and has operator<, operator==,
+// precedesInTotalOrder and nanFieldMask, and getPoint() is {lon, lat} of its
+// getLastLocationConst(); like a scan record, it is ordered first by a
+// getBlueToothRecordConst() free of NaN, and every field of its operator< also takes part in its
+// operator==. Departures from the textbook: a record reached once is never touched again, so a
+// record found to be noise never becomes a border record of a later cluster; a record operator== to
+// a centre is never its neighbour; and records equivalent under operator< count as one record
+// wherever the algorithm asks whether a record was seen.
 template <typename T>
 class DbScan {
  public:
@@ -37,6 +37,8 @@ class DbScan {
 
   // Clusters in the order of their founding records; noise is dropped. Members are copies.
   std::vector<std::vector<T>> cluster(std::vector<T> const& infos) const;
+  // The same clusters as positions in `infos`, for callers that need not copy records.
+  std::vector<std::vector<size_t>> clusterIndices(std::vector<T> const& infos) const;
   // The single steps of the algorithm, for callers that need them; cluster() works on indices.
   // Copies of the records of `infos`, in order, within eps of `centre` and not == to it.
   std::vector<T> getNeighbours(T const& centre, std::vector<T> const& infos) const;
@@ -60,35 +62,31 @@ class DbScan {
 // equivalence class under operator< is computed once, and a class is labelled (handled) or
 // claimed (in the current seed list) as a whole, which is what lookups in an ordered label
 // map and an ordered seed set amount to. Unclaimed records are found through a NeighbourGrid.
-// That holds only while operator< is a strict weak ordering of the records; when NaN fields
-// break it, a lookup's answer depends on the tree it walks, so the ordered containers are
-// replayed instead.
+// That holds only while operator< is a strict weak ordering of the records. When NaN fields
+// break it, ordered containers keyed by it have no defined behaviour (a replay of them could
+// loop and grow without end); the classes are then those of precedesInTotalOrder, operator<
+// with NaN after every number and equivalent to every NaN: deterministic, and the pass ends
+// as it always does, each record claimed once.
 template <typename T>
 class DbScan<T>::Pass {
  public:
   Pass(DbScan const& scan, std::vector<T> const& infos);
 
-  std::vector<std::vector<T>> run();
+  std::vector<std::vector<size_t>> run();
 
  private:
-  // Orders records by index as operator< orders the records themselves.
-  struct ByRecord {
-    std::vector<T> const* infos;
-    bool operator()(size_t a, size_t b) const { return (*infos)[a] < (*infos)[b]; }
-  };
-
-  void groupEquivalents();
+  template <typename Less>
+  void groupEquivalents(Less less);
   bool ordersStrictWeakly() const;
   bool slotsFollowClasses(std::vector<size_t>::const_iterator first,
                           std::vector<size_t>::const_iterator last) const;
-  std::vector<std::vector<T>> runOnOrderedContainers() const;
-  std::vector<size_t> neighboursOf(size_t centre) const;
   bool isNeighbour(size_t centre, size_t candidate) const;
   bool isCore(size_t centre) const;
-  // Unclaimed neighbours of `centre` in input order; claims their classes.
-  std::vector<size_t> claimNeighbours(size_t centre);
+  // Appends the unclaimed neighbours of `centre` to `seeds` in input order (one list grows the
+  // whole cluster) and claims their classes.
+  void claimNeighbours(size_t centre, std::vector<size_t>& seeds);
   void claimClass(size_t equivalenceClass);
-  std::vector<T> addCluster(size_t founder);
+  std::vector<size_t> addCluster(size_t founder);
 
   static NeighbourGrid makeGrid(std::vector<T> const& infos, double eps);
 
@@ -106,18 +104,32 @@ template <typename T>
 DbScan<T>::DbScan(double eps, int minPts)
     : eps(eps), minPts(minPts), distanceCalculator(std::make_shared<NormalDistance>()) {
   if (this->eps < 0.0) {
-    CorvexTagLogger::getInstance().info("DBSCAN eps error. eps = " + std::to_string(this->eps));
+    CorvexTagLogger::getInstance().infoBuilt(
+        [&] { return "DBSCAN eps error. eps = " + std::to_string(this->eps); });
     this->eps = 0.0;
   }
   if (this->minPts < 0) {
-    CorvexTagLogger::getInstance().info("DBSCAN minPts error. minPts = " +
-                                        std::to_string(this->minPts));
+    CorvexTagLogger::getInstance().infoBuilt(
+        [&] { return "DBSCAN minPts error. minPts = " + std::to_string(this->minPts); });
     this->minPts = INT_MAX;  // every record becomes noise
   }
 }
 
 template <typename T>
 std::vector<std::vector<T>> DbScan<T>::cluster(std::vector<T> const& infos) const {
+  std::vector<std::vector<T>> clusters;
+  for (std::vector<size_t> const& members : clusterIndices(infos)) {
+    clusters.emplace_back();
+    clusters.back().reserve(members.size());
+    for (size_t member : members) {
+      clusters.back().push_back(infos[member]);
+    }
+  }
+  return clusters;
+}
+
+template <typename T>
+std::vector<std::vector<size_t>> DbScan<T>::clusterIndices(std::vector<T> const& infos) const {
   if (infos.empty()) {
     return {};
   }
@@ -153,18 +165,21 @@ double DbScan<T>::distance(DbScanClass const* a, DbScanClass const* b) const {
 template <typename T>
 DbScan<T>::Pass::Pass(DbScan const& scan, std::vector<T> const& infos)
     : scan(scan), infos(infos), grid(makeGrid(infos, scan.eps)) {
-  groupEquivalents();
+  groupEquivalents([](T const& a, T const& b) { return a < b; });
+  if (!ordersStrictWeakly()) {
+    groupEquivalents([](T const& a, T const& b) { return a.precedesInTotalOrder(b); });
+  }
 }
 
 template <typename T>
 NeighbourGrid DbScan<T>::Pass::makeGrid(std::vector<T> const& infos, double eps) {
   std::vector<double> xs;
   std::vector<double> ys;
-  for (T const& info : infos) {
-    std::vector<double> const point = info.getPoint();
-    bool const planar = point.size() == 2;
-    xs.push_back(planar ? point[0] : std::numeric_limits<double>::quiet_NaN());
-    ys.push_back(planar ? point[1] : std::numeric_limits<double>::quiet_NaN());
+  xs.reserve(infos.size());
+  ys.reserve(infos.size());
+  for (T const& info : infos) {  // getPoint() without building a vector per record
+    xs.push_back(info.getLastLocationConst().getLon());
+    ys.push_back(info.getLastLocationConst().getLat());
   }
   return NeighbourGrid(std::move(xs), std::move(ys), eps);
 }
@@ -172,15 +187,24 @@ NeighbourGrid DbScan<T>::Pass::makeGrid(std::vector<T> const& infos, double eps)
 // Sorting is stable and neighbours are compared both ways, so that an operator< that is no
 // strict weak ordering (NaN fields) still gives well-formed, deterministic classes.
 template <typename T>
-void DbScan<T>::Pass::groupEquivalents() {
+template <typename Less>
+void DbScan<T>::Pass::groupEquivalents(Less less) {
   byClass.resize(infos.size());
   std::iota(byClass.begin(), byClass.end(), size_t{0});
-  std::stable_sort(byClass.begin(), byClass.end(),
-                   [this](size_t a, size_t b) { return infos[a] < infos[b]; });
+  // Both orders decide by scan time first: the cached time settles most comparisons.
+  std::vector<long long> times(infos.size());
+  for (size_t i = 0; i < infos.size(); ++i) {
+    times[i] = infos[i].getBlueToothRecordConst().getTimeStamp();
+  }
+  std::stable_sort(byClass.begin(), byClass.end(), [this, less, &times](size_t a, size_t b) {
+    return times[a] != times[b] ? times[a] < times[b] : less(infos[a], infos[b]);
+  });
   classOf.resize(infos.size());
+  classBegin.clear();
   for (size_t slot = 0; slot < byClass.size(); ++slot) {
     T const& info = infos[byClass[slot]];
-    if (slot == 0 || infos[byClass[slot - 1]] < info || info < infos[byClass[slot - 1]]) {
+    T const& previous = infos[byClass[slot == 0 ? 0 : slot - 1]];
+    if (slot == 0 || less(previous, info) || less(info, previous)) {
       classBegin.push_back(slot);
     }
     classOf[byClass[slot]] = classBegin.size() - 1;
@@ -192,8 +216,8 @@ void DbScan<T>::Pass::groupEquivalents() {
 
 // A scan record's operator< decides by its BlueToothRecord first, whose fields cannot be NaN,
 // and every ordering field also takes part in operator==. So the ordering can only break among
-// at least three records with equivalent BlueToothRecords, one of them not == to itself;
-// such groups are checked pair by pair against the sorted classes.
+// at least three records with equivalent BlueToothRecords and different NaN fields; such
+// groups are checked against the sorted classes.
 template <typename T>
 bool DbScan<T>::Pass::ordersStrictWeakly() const {
   if (std::all_of(infos.begin(), infos.end(), [](T const& info) { return info == info; })) {
@@ -218,20 +242,38 @@ bool DbScan<T>::Pass::ordersStrictWeakly() const {
 }
 
 // Whether the records in these slots (ascending) are ordered exactly as their classes say.
+// Records of one scan with the same NaN fields order strictly weakly, and stable_sort put them
+// in order. Otherwise records equivalent under precedesInTotalOrder compare alike with every record
+// (they differ at most in NaN payloads and zero signs), so one representative of each is checked
+// pairwise once all of them are found in one class: a run of identical records costs a sort, not a
+// square.
 template <typename T>
 bool DbScan<T>::Pass::slotsFollowClasses(std::vector<size_t>::const_iterator first,
                                          std::vector<size_t>::const_iterator last) const {
-  if (last - first < 3 || std::all_of(first, last, [this](size_t slot) {
-        return infos[byClass[slot]] == infos[byClass[slot]];
+  auto const record = [this](size_t slot) -> T const& { return infos[byClass[slot]]; };
+  unsigned const mask = record(*first).nanFieldMask();
+  if (last - first < 3 || std::all_of(first, last, [&record, mask](size_t slot) {
+        return record(slot).nanFieldMask() == mask;
       })) {
     return true;
   }
-  for (auto lowerSlot = first; lowerSlot != last; ++lowerSlot) {
-    for (auto upperSlot = lowerSlot + 1; upperSlot != last; ++upperSlot) {
-      T const& lower = infos[byClass[*lowerSlot]];
-      T const& upper = infos[byClass[*upperSlot]];
-      bool const equivalent = classOf[byClass[*lowerSlot]] == classOf[byClass[*upperSlot]];
-      if (upper < lower || (lower < upper) == equivalent) {
+  std::vector<size_t> alike(first, last);
+  std::stable_sort(alike.begin(), alike.end(), [&record](size_t a, size_t b) {
+    return record(a).precedesInTotalOrder(record(b));
+  });
+  std::vector<size_t> representatives = {alike.front()};
+  for (size_t i = 1; i < alike.size(); ++i) {
+    if (record(alike[i - 1]).precedesInTotalOrder(record(alike[i]))) {
+      representatives.push_back(alike[i]);
+    } else if (classOf[byClass[alike[i]]] != classOf[byClass[representatives.back()]]) {
+      return false;
+    }
+  }
+  std::sort(representatives.begin(), representatives.end());
+  for (auto lower = representatives.begin(); lower != representatives.end(); ++lower) {
+    for (auto upper = lower + 1; upper != representatives.end(); ++upper) {
+      bool const equivalent = classOf[byClass[*lower]] == classOf[byClass[*upper]];
+      if (record(*upper) < record(*lower) || (record(*lower) < record(*upper)) == equivalent) {
         return false;
       }
     }
@@ -240,11 +282,8 @@ bool DbScan<T>::Pass::slotsFollowClasses(std::vector<size_t>::const_iterator fir
 }
 
 template <typename T>
-std::vector<std::vector<T>> DbScan<T>::Pass::run() {
-  if (!ordersStrictWeakly()) {
-    return runOnOrderedContainers();
-  }
-  std::vector<std::vector<T>> clusters;
+std::vector<std::vector<size_t>> DbScan<T>::Pass::run() {
+  std::vector<std::vector<size_t>> clusters;
   for (size_t record = 0; record < infos.size(); ++record) {
     std::optional<int>& label = labelOf[classOf[record]];
     if (label) {
@@ -284,19 +323,18 @@ bool DbScan<T>::Pass::isCore(size_t centre) const {
 // Records of classes claimed before are left out: either they are labelled, and would be
 // skipped, or their class is already in the seed list, and a merge would not take them.
 template <typename T>
-std::vector<size_t> DbScan<T>::Pass::claimNeighbours(size_t centre) {
-  std::vector<size_t> found;
+void DbScan<T>::Pass::claimNeighbours(size_t centre, std::vector<size_t>& seeds) {
+  size_t const first = seeds.size();
   grid.forEachUnclaimedNear(centre, [&](size_t candidate) {
     if (isNeighbour(centre, candidate)) {
-      found.push_back(candidate);
+      seeds.push_back(candidate);
     }
     return true;
   });
-  std::sort(found.begin(), found.end());
-  for (size_t record : found) {
-    claimClass(classOf[record]);
+  std::sort(seeds.begin() + static_cast<std::ptrdiff_t>(first), seeds.end());
+  for (size_t slot = first; slot < seeds.size(); ++slot) {
+    claimClass(classOf[seeds[slot]]);
   }
-  return found;
 }
 
 template <typename T>
@@ -312,11 +350,12 @@ void DbScan<T>::Pass::claimClass(size_t equivalenceClass) {
 }
 
 template <typename T>
-std::vector<T> DbScan<T>::Pass::addCluster(size_t founder) {
-  std::vector<T> members = {infos[founder]};
+std::vector<size_t> DbScan<T>::Pass::addCluster(size_t founder) {
+  std::vector<size_t> members = {founder};
   labelOf[classOf[founder]] = scan.clusterLabel;
   claimClass(classOf[founder]);
-  std::vector<size_t> seeds = claimNeighbours(founder);
+  std::vector<size_t> seeds;
+  claimNeighbours(founder, seeds);
   for (size_t next = 0; next < seeds.size(); ++next) {
     size_t const seed = seeds[next];
     std::optional<int>& label = labelOf[classOf[seed]];
@@ -324,76 +363,12 @@ std::vector<T> DbScan<T>::Pass::addCluster(size_t founder) {
       continue;
     }
     if (isCore(seed)) {
-      std::vector<size_t> const more = claimNeighbours(seed);
-      seeds.insert(seeds.end(), more.begin(), more.end());
+      claimNeighbours(seed, seeds);
     }
     label = scan.clusterLabel;
-    members.push_back(infos[seed]);
+    members.push_back(seed);
   }
   return members;
-}
-
-// The algorithm step by step, with a label map and seed sets keyed by index: each container
-// sees the insertions and lookups it would see holding copies of the records. The seed set
-// grows by inserts at its end, as a set built afresh from the seed list at each merge would.
-template <typename T>
-std::vector<std::vector<T>> DbScan<T>::Pass::runOnOrderedContainers() const {
-  ByRecord const byRecord{&infos};
-  size_t const minPts = static_cast<size_t>(scan.minPts);
-  std::map<size_t, int, ByRecord> labels(byRecord);
-  std::vector<std::vector<T>> clusters;
-  for (size_t founder = 0; founder < infos.size(); ++founder) {
-    if (labels.count(founder) != 0) {
-      continue;
-    }
-    std::vector<size_t> seeds = neighboursOf(founder);
-    if (seeds.size() < minPts) {
-      labels.insert({founder, scan.noiseLabel});
-      continue;
-    }
-    std::vector<T> members = {infos[founder]};
-    labels.insert({founder, scan.clusterLabel});
-    std::set<size_t, ByRecord> seedSet(byRecord);
-    for (size_t seed : seeds) {
-      seedSet.insert(seedSet.end(), seed);
-    }
-    for (size_t next = 0; next < seeds.size(); ++next) {
-      size_t const seed = seeds[next];
-      if (labels.count(seed) != 0) {  // every label equals the cluster label
-        continue;
-      }
-      std::vector<size_t> const more = neighboursOf(seed);
-      if (more.size() >= minPts) {
-        size_t const atEntry = seeds.size();
-        for (size_t candidate : more) {
-          if (seedSet.count(candidate) == 0) {
-            seeds.push_back(candidate);
-          }
-        }
-        for (size_t added = atEntry; added < seeds.size(); ++added) {
-          seedSet.insert(seedSet.end(), seeds[added]);
-        }
-      }
-      labels.insert({seed, scan.clusterLabel});
-      members.push_back(infos[seed]);
-    }
-    clusters.push_back(std::move(members));
-  }
-  return clusters;
-}
-
-// All neighbours of `centre`, claimed or not, in input order.
-template <typename T>
-std::vector<size_t> DbScan<T>::Pass::neighboursOf(size_t centre) const {
-  std::vector<size_t> found;
-  grid.forEachNear(centre, [&](size_t candidate) {
-    if (isNeighbour(centre, candidate)) {
-      found.push_back(candidate);
-    }
-    return true;
-  });
-  std::sort(found.begin(), found.end());
-  return found;
 }
 
 }  // namespace Vantis::Location

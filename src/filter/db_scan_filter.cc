@@ -7,15 +7,30 @@ namespace Vantis::Location {
 
 std::vector<std::vector<BleScanInfoWithConfidence>> DBScanFilter::filter(
     std::vector<BleScanInfoWithConfidence> const& infos, int minPts, double eps) {
-  if (infos.empty()) {
-    CorvexTagLogger::getInstance().error("infos == null or is empty");
-    return {};
-  }
-  if (minPts <= 0) {
-    CorvexTagLogger::getInstance().error("minPts can't less than 1");
+  if (!acceptsInput(infos, minPts)) {
     return {};
   }
   return DbScan<BleScanInfoWithConfidence>(eps, minPts).cluster(infos);
+}
+
+std::vector<std::vector<size_t>> DBScanFilter::filterIndices(
+    std::vector<BleScanInfoWithConfidence> const& infos, int minPts, double eps) {
+  if (!acceptsInput(infos, minPts)) {
+    return {};
+  }
+  return DbScan<BleScanInfoWithConfidence>(eps, minPts).clusterIndices(infos);
+}
+
+bool DBScanFilter::acceptsInput(std::vector<BleScanInfoWithConfidence> const& infos, int minPts) {
+  if (infos.empty()) {
+    CorvexTagLogger::getInstance().error("infos == null or is empty");
+    return false;
+  }
+  if (minPts <= 0) {
+    CorvexTagLogger::getInstance().error("minPts can't less than 1");
+    return false;
+  }
+  return true;
 }
 
 }  // namespace Vantis::Location

@@ -1,6 +1,7 @@
 #ifndef CORVEX_FILTER_DB_SCAN_FILTER_H_
 #define CORVEX_FILTER_DB_SCAN_FILTER_H_
 
+#include <cstddef>
 #include <vector>
 
 #include "model/ble_scan_info_with_confidence.h"
@@ -14,6 +15,13 @@ class DBScanFilter {
   // empty list or minPts below 1.
   static std::vector<std::vector<BleScanInfoWithConfidence>> filter(
       std::vector<BleScanInfoWithConfidence> const& infos, int minPts, double eps);
+  // The same clusters as positions in `infos`, with the same error lines.
+  static std::vector<std::vector<size_t>> filterIndices(
+      std::vector<BleScanInfoWithConfidence> const& infos, int minPts, double eps);
+
+ private:
+  // Logs why and answers false for an empty list or minPts below 1.
+  static bool acceptsInput(std::vector<BleScanInfoWithConfidence> const& infos, int minPts);
 };
 
 }  // namespace Vantis::Location

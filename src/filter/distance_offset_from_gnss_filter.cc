@@ -1,6 +1,8 @@
 #include "filter/distance_offset_from_gnss_filter.h"
 
+#include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "geometry/distance_utils.h"
 #include "geometry/gnss_utils.h"
@@ -22,21 +24,34 @@ bool DistanceOffsetFromGnssFilter::checkValid(std::vector<BleScanInfoWithConfide
 
 std::vector<BleScanInfoWithConfidence> DistanceOffsetFromGnssFilter::filter(
     std::vector<BleScanInfoWithConfidence> const& infos) {
+  std::vector<size_t> const kept = keep(infos);
+  std::vector<BleScanInfoWithConfidence> result;
+  result.reserve(kept.size());
+  for (size_t index : kept) {
+    result.push_back(infos[index]);
+  }
+  return result;
+}
+
+std::vector<size_t> DistanceOffsetFromGnssFilter::keep(
+    std::vector<BleScanInfoWithConfidence> const& infos) {
+  std::vector<size_t> kept(infos.size());
+  std::iota(kept.begin(), kept.end(), size_t{0});
   if (!checkValid(infos)) {
-    return infos;
+    return kept;
   }
   std::vector<BleScanInfoWithConfidence> const proactive = GnssUtils::getGnssProactiveList(infos);
   if (!GnssUtils::checkCohesion(proactive)) {
-    return infos;
+    return kept;
   }
   std::vector<double> const centre = DistanceUtils::meanPoint(proactive);
-  std::vector<BleScanInfoWithConfidence> result;
-  for (BleScanInfoWithConfidence const& info : infos) {
-    if (std::sqrt(DistanceUtils::distSquare(info, centre)) < kMaxGnssOffset) {
-      result.push_back(info);
-    }
-  }
-  return result;
+  kept.erase(std::remove_if(kept.begin(), kept.end(),
+                            [&](size_t index) {
+                              return !(std::sqrt(DistanceUtils::distSquare(infos[index], centre)) <
+                                       kMaxGnssOffset);
+                            }),
+             kept.end());
+  return kept;
 }
 
 }  // namespace Vantis::Location

@@ -1,6 +1,7 @@
 #ifndef CORVEX_FILTER_DISTANCE_OFFSET_FROM_GNSS_FILTER_H_
 #define CORVEX_FILTER_DISTANCE_OFFSET_FROM_GNSS_FILTER_H_
 
+#include <cstddef>
 #include <vector>
 
 #include "model/ble_scan_info_with_confidence.h"
@@ -17,6 +18,8 @@ class DistanceOffsetFromGnssFilter {
   // order; the whole input when those records are not cohesive.
   static std::vector<BleScanInfoWithConfidence> filter(
       std::vector<BleScanInfoWithConfidence> const& infos);
+  // The same selection as positions in `infos`, ascending.
+  static std::vector<size_t> keep(std::vector<BleScanInfoWithConfidence> const& infos);
 };
 
 }  // namespace Vantis::Location

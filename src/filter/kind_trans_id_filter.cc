@@ -27,14 +27,16 @@ std::vector<BleScanInfoWithConfidence> KindTransIDFilter::filter(
       groups[info.getKindTransId()].push_back(info);
     }
   }
-  for (auto& [kind, group] : groups) {
+  for (auto& entry : groups) {
+    std::string const& kind = entry.first;
+    std::vector<BleScanInfoWithConfidence>& group = entry.second;
     if (group.size() >= 2) {
       std::stable_sort(group.begin(), group.end(),
                        [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
                          return a.getNewConfidence() > b.getNewConfidence();
                        });
-      CorvexTagLogger::getInstance().info("kindTransID " + kind +
-                                          ", num: " + std::to_string(group.size()));
+      CorvexTagLogger::getInstance().infoBuilt(
+          [&] { return "kindTransID " + kind + ", num: " + std::to_string(group.size()); });
     }
     result.push_back(group.front());
   }

@@ -11,14 +11,20 @@ constexpr double kDegToRad = 0.017453292519943295;
 
 bool isValidReference(std::vector<double> const& ref) { return ref.size() == 2; }
 
+struct CoordinatePair {
+  double first;
+  double second;
+};
+
 // The cosine of the point's own latitude (not the reference's) keeps the inverse exact.
-std::vector<double> toEnu(double lon, double lat, std::vector<double> const& ref) {
+// Returned by value, not as a vector: records are converted by the thousand.
+CoordinatePair toEnu(double lon, double lat, std::vector<double> const& ref) {
   double east = std::cos(lat * kDegToRad) * ((lon - ref[0]) * kDegToRad * kEarthRadius);
   double north = (lat - ref[1]) * kDegToRad * kEarthRadius;
   return {east, north};
 }
 
-std::vector<double> toGps(double east, double north, std::vector<double> const& ref) {
+CoordinatePair toGps(double east, double north, std::vector<double> const& ref) {
   double lat = north / kEarthRadius / kDegToRad + ref[1];
   double lon = ref[0] + east / kEarthRadius / kDegToRad / std::cos(lat * kDegToRad);
   return {lon, lat};
@@ -31,7 +37,8 @@ std::vector<double> CoordinateConverter::gpsConvertENU(double lon, double lat,
   if (!isValidReference(ref)) {
     return {0.0, 0.0};
   }
-  return toEnu(lon, lat, ref);
+  CoordinatePair const enu = toEnu(lon, lat, ref);
+  return {enu.first, enu.second};
 }
 
 std::vector<double> CoordinateConverter::enuConvertGPS(double east, double north,
@@ -39,7 +46,8 @@ std::vector<double> CoordinateConverter::enuConvertGPS(double east, double north
   if (!isValidReference(ref)) {
     return {0.0, 0.0};
   }
-  return toGps(east, north, ref);
+  CoordinatePair const gps = toGps(east, north, ref);
+  return {gps.first, gps.second};
 }
 
 void CoordinateConverter::enuConvertToGnss(TagBestLocation& result,
@@ -47,9 +55,9 @@ void CoordinateConverter::enuConvertToGnss(TagBestLocation& result,
   if (!isValidReference(ref)) {
     return;
   }
-  std::vector<double> gps = toGps(result.getLon(), result.getLat(), ref);
-  result.setLon(gps[0]);
-  result.setLat(gps[1]);
+  CoordinatePair const gps = toGps(result.getLon(), result.getLat(), ref);
+  result.setLon(gps.first);
+  result.setLat(gps.second);
 }
 
 void CoordinateConverter::enuConvertToGnss(std::vector<BleScanInfoWithConfidence>& infos,
@@ -62,9 +70,9 @@ void CoordinateConverter::enuConvertToGnss(std::vector<BleScanInfoWithConfidence
     if (!location.getEnu()) {
       continue;
     }
-    std::vector<double> gps = toGps(location.getLon(), location.getLat(), ref);
-    location.setLon(gps[0]);
-    location.setLat(gps[1]);
+    CoordinatePair const gps = toGps(location.getLon(), location.getLat(), ref);
+    location.setLon(gps.first);
+    location.setLat(gps.second);
     location.setEnu(false);
   }
 }
@@ -79,9 +87,9 @@ void CoordinateConverter::gnssConvertToEnu(std::vector<BleScanInfoWithConfidence
     if (location.getEnu()) {
       continue;
     }
-    std::vector<double> enu = toEnu(location.getLon(), location.getLat(), ref);
-    location.setLon(enu[0]);
-    location.setLat(enu[1]);
+    CoordinatePair const enu = toEnu(location.getLon(), location.getLat(), ref);
+    location.setLon(enu.first);
+    location.setLat(enu.second);
     location.setEnu(true);
   }
 }

@@ -70,14 +70,16 @@ bool GnssUtils::checkCohesion(std::vector<BleScanInfoWithConfidence> const& info
   }
   // A lone record is never cohesive, so a single scan cannot vouch for itself.
   if (infos.size() == 1) {
-    CorvexTagLogger::getInstance().info(
-        "checkCohesion infos.size() = " + std::to_string(infos.size()) + ", bypass");
+    CorvexTagLogger::getInstance().infoBuilt([&] {
+      return "checkCohesion infos.size() = " + std::to_string(infos.size()) + ", bypass";
+    });
     return false;
   }
   double spread = DistanceUtils::stdPointError(infos);
   if (spread > kMaxCohesionSpread) {
-    CorvexTagLogger::getInstance().info(
-        "checkCohesion stdPointError(infos) = " + std::to_string(spread) + ", bypass");
+    CorvexTagLogger::getInstance().infoBuilt([&] {
+      return "checkCohesion stdPointError(infos) = " + std::to_string(spread) + ", bypass";
+    });
     return false;
   }
   return true;

@@ -22,26 +22,61 @@ std::vector<BleScanInfoWithConfidence> AggregateLocationAdapter::toScanInfos(
   if (count > 0) {
     scanInfos.reserve(static_cast<size_t>(count));
   }
+  TextsByAddress texts = rankedGeoIds(infos, count);
   for (int i = 0; i < count; ++i) {
-    scanInfos.push_back(toScanInfo(infos[i]));
+    scanInfos.push_back(toScanInfo(infos[i], texts));
     scanInfos.back().setInputIndex(i);
   }
   return scanInfos;
 }
 
 BleScanInfoWithConfidence AggregateLocationAdapter::toScanInfo(AggregateScanInfo const& info) {
+  TextsByAddress texts;
+  return toScanInfo(info, texts);
+}
+
+BleScanInfoWithConfidence AggregateLocationAdapter::toScanInfo(AggregateScanInfo const& info,
+                                                               TextsByAddress& texts) {
   BlueToothRecord record(info.timeStamp, info.rssi);
   LastLocation location(info.lon, info.lat, info.acc, info.locationType, info.locationSourceType);
   BleScanInfoWithConfidence scanInfo(record, location, 0, 0, info.confidence);
   if (info.geoId != nullptr) {
     LastLocation& indoor = scanInfo.getLastLocation();
     indoor.setIndoorFlag(info.indoorFlag);
-    indoor.setGeoId(info.geoId);
+    indoor.setGeoId(shared(info.geoId, texts));
     indoor.setFloorId(info.floorId);
     indoor.setFloorAcc(info.floorAcc);
-    indoor.setFloorInfo(info.floorInfo != nullptr ? info.floorInfo : "");
+    indoor.setFloorInfo(shared(info.floorInfo != nullptr ? info.floorInfo : "", texts));
   }
   return scanInfo;
+}
+
+// Records are ordered and voted on by building; ranked once, long texts are not read again.
+AggregateLocationAdapter::TextsByAddress AggregateLocationAdapter::rankedGeoIds(
+    const AggregateScanInfo* infos, int count) {
+  TextsByAddress texts;
+  std::vector<char const*> addresses;
+  std::vector<std::string_view> views;
+  for (int i = 0; i < count; ++i) {
+    if (infos[i].geoId != nullptr && texts.emplace(infos[i].geoId, SharedText()).second) {
+      addresses.push_back(infos[i].geoId);
+      views.emplace_back(infos[i].geoId);
+    }
+  }
+  std::vector<SharedText> const ranked = SharedText::ranked(views);
+  for (std::size_t i = 0; i < addresses.size(); ++i) {
+    texts[addresses[i]] = ranked[i];
+  }
+  return texts;
+}
+
+// Callers usually pass one building text for many records: it is copied once.
+SharedText AggregateLocationAdapter::shared(char const* text, TextsByAddress& texts) {
+  auto const found = texts.find(text);
+  if (found != texts.end()) {
+    return found->second;
+  }
+  return texts.emplace(text, SharedText(text)).first->second;
 }
 
 void AggregateLocationAdapter::publish(TagBestLocation const& location,

@@ -1,10 +1,12 @@
 #ifndef CORVEX_INTERFACE_AGGREGATE_LOCATION_ADAPTER_H_
 #define CORVEX_INTERFACE_AGGREGATE_LOCATION_ADAPTER_H_
 
+#include <unordered_map>
 #include <vector>
 
 #include "corvex/aggregate_location.h"
 #include "model/ble_scan_info_with_confidence.h"
+#include "model/shared_text.h"
 #include "model/tag_best_location.h"
 
 namespace Vantis::Location {
@@ -26,6 +28,13 @@ class AggregateLocationAdapter {
   // Last resort after a failure: the three strings become null so that the caller neither
   // reads nor releases stale pointers. Allocates nothing.
   static void publishNothing(AggregateLocationResult* result, char** traceLog) noexcept;
+
+ private:
+  using TextsByAddress = std::unordered_map<char const*, SharedText>;
+
+  static BleScanInfoWithConfidence toScanInfo(AggregateScanInfo const& info, TextsByAddress& texts);
+  static TextsByAddress rankedGeoIds(const AggregateScanInfo* infos, int count);
+  static SharedText shared(char const* text, TextsByAddress& texts);
 };
 
 }  // namespace Vantis::Location

@@ -26,6 +26,13 @@ class CorvexTagLogger {
 
   void debug(std::string const& message);
   void info(std::string const& message);
+  // info(build()), with the message built only when an info line would be kept.
+  template <typename Build>
+  void infoBuilt(Build const& build) {
+    if (isLoggable(kInfo)) {
+      info(build());
+    }
+  }
   void warn(std::string const& message);
   void error(std::string const& message);
 

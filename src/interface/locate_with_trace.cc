@@ -10,12 +10,31 @@
 namespace Vantis::Location {
 namespace {
 
-int locate(const AggregateScanInfo* infos, int count, AggregateLocationResult* result,
-           char** traceLog, LocateTrace* trace) {
+// The record a stable sort by scan time puts last: the last one of the greatest time.
+AggregateScanInfo const& newestOf(const AggregateScanInfo* infos, int count) {
+  int newest = 0;
+  for (int i = 1; i < count; ++i) {
+    if (infos[i].timeStamp >= infos[newest].timeStamp) {
+      newest = i;
+    }
+  }
+  return infos[newest];
+}
+
+TagBestLocation computeLocation(const AggregateScanInfo* infos, int count, LocateTrace* trace) {
+  CorvexTagPositionCalculator calculator(trace);
+  // Refused before anything is copied: a huge count costs one pass over the times.
+  if (count > 0 && static_cast<std::size_t>(count) > CorvexTagPositionCalculator::kMaxInfos) {
+    return calculator.refuseOverLimit(AggregateLocationAdapter::toScanInfo(newestOf(infos, count)));
+  }
   std::vector<BleScanInfoWithConfidence> scanInfos =
       AggregateLocationAdapter::toScanInfos(infos, count);
-  CorvexTagPositionCalculator calculator(trace);
-  TagBestLocation const location = calculator.getPosition(scanInfos);
+  return calculator.getPosition(scanInfos);
+}
+
+int locate(const AggregateScanInfo* infos, int count, AggregateLocationResult* result,
+           char** traceLog, LocateTrace* trace) {
+  TagBestLocation const location = computeLocation(infos, count, trace);
   AggregateLocationAdapter::publish(location, result, traceLog);
   return location.getErrorCode().getErrorCode();
 }
@@ -35,7 +54,7 @@ int publishUnknownError(AggregateLocationResult* result, char** traceLog) noexce
 
 int locateWithTrace(const AggregateScanInfo* infos, int count, AggregateLocationResult* result,
                     char** traceLog, LocateTrace* trace) {
-  if (infos == nullptr) {
+  if (infos == nullptr || result == nullptr || traceLog == nullptr) {
     return CORVEX_NULL_INPUT;
   }
   // The host is C: no exception may cross this boundary.

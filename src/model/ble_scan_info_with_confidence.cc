@@ -1,6 +1,10 @@
 #include "model/ble_scan_info_with_confidence.h"
 
+#include <cmath>
 #include <sstream>
+#include <tuple>
+
+#include "model/nan_last.h"
 
 namespace Vantis::Location {
 
@@ -18,7 +22,7 @@ BleScanInfoWithConfidence::BleScanInfoWithConfidence(BlueToothRecord const& blue
                                                      double confidence,
                                                      std::string const& kindTransId)
     : BleScanInfoWithConfidence(blueToothRecord, lastLocation, -1, 0, confidence) {
-  kindTransId_ = kindTransId;
+  kindTransId_ = SharedText(kindTransId);
 }
 
 std::vector<double> BleScanInfoWithConfidence::getPoint() const {
@@ -30,7 +34,7 @@ std::string BleScanInfoWithConfidence::toString() const {
   out << "BleScanInfo{blueToothRecord=" << blueToothRecord_.toString()
       << ", lastLocation=" << lastLocation_.toString() << ", arStatus=" << arStatus_
       << ", stepCount=" << stepCount_ << ", confidence=" << confidence_
-      << ", newConfidence=" << newConfidence_ << ", kindTransID=" << kindTransId_ << "}";
+      << ", newConfidence=" << newConfidence_ << ", kindTransID=" << kindTransId_.get() << "}";
   return out.str();
 }
 
@@ -41,6 +45,40 @@ bool BleScanInfoWithConfidence::operator<(BleScanInfoWithConfidence const& other
 
 bool BleScanInfoWithConfidence::operator==(BleScanInfoWithConfidence const& other) const {
   return orderKey() == other.orderKey();
+}
+
+bool BleScanInfoWithConfidence::precedesInTotalOrder(BleScanInfoWithConfidence const& other) const {
+  if (blueToothRecord_ < other.blueToothRecord_) {
+    return true;
+  }
+  if (other.blueToothRecord_ < blueToothRecord_) {
+    return false;
+  }
+  if (lastLocation_.precedesInTotalOrder(other.lastLocation_)) {
+    return true;
+  }
+  if (other.lastLocation_.precedesInTotalOrder(lastLocation_)) {
+    return false;
+  }
+  using Rest = std::tuple<NanLast<double>, NanLast<double>, SharedText const&, int, int>;
+  return Rest({confidence_}, {newConfidence_}, kindTransId_, arStatus_, stepCount_) <
+         Rest({other.confidence_}, {other.newConfidence_}, other.kindTransId_, other.arStatus_,
+              other.stepCount_);
+}
+
+unsigned BleScanInfoWithConfidence::nanFieldMask() const {
+  double const fields[] = {lastLocation_.getLat(),
+                           lastLocation_.getLon(),
+                           lastLocation_.getAcc(),
+                           lastLocation_.getSpeed(),
+                           lastLocation_.getBearing(),
+                           confidence_,
+                           newConfidence_};
+  unsigned mask = 0;
+  for (double field : fields) {
+    mask = mask << 1 | (std::isnan(field) ? 1u : 0u);
+  }
+  return mask;
 }
 
 }  // namespace Vantis::Location

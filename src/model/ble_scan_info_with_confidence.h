@@ -8,6 +8,7 @@
 #include "model/blue_tooth_record.h"
 #include "model/db_scan_class.h"
 #include "model/last_location.h"
+#include "model/shared_text.h"
 
 namespace Vantis::Location {
 
@@ -47,8 +48,8 @@ class BleScanInfoWithConfidence : public DbScanClass {
   // Confidence computed by the scoring stage.
   double getNewConfidence() const { return newConfidence_; }
   void setNewConfidence(double newConfidence) { newConfidence_ = newConfidence; }
-  std::string const& getKindTransId() const { return kindTransId_; }
-  void setKindTransId(std::string const& kindTransId) { kindTransId_ = kindTransId; }
+  std::string const& getKindTransId() const { return kindTransId_.get(); }
+  void setKindTransId(std::string const& kindTransId) { kindTransId_ = SharedText(kindTransId); }
   // Position of the record in the caller's array (0 to count - 1), -1 for a record made
   // elsewhere. Travels with every copy so that an observer can tell which records a stage
   // kept; takes part in neither comparison and is not printed.
@@ -59,6 +60,12 @@ class BleScanInfoWithConfidence : public DbScanClass {
 
   bool operator<(BleScanInfoWithConfidence const& other) const;
   bool operator==(BleScanInfoWithConfidence const& other) const;
+  // operator< with every NaN field sorted after the numbers and equivalent to every NaN: a
+  // strict weak ordering for any field values.
+  bool precedesInTotalOrder(BleScanInfoWithConfidence const& other) const;
+  // One bit per floating-point ordering field that holds NaN. Records sharing a scan and a
+  // mask are ordered strictly weakly among themselves: their NaN fields are skipped alike.
+  unsigned nanFieldMask() const;
 
  private:
   auto orderKey() const {
@@ -72,7 +79,7 @@ class BleScanInfoWithConfidence : public DbScanClass {
   int stepCount_;
   double confidence_;
   double newConfidence_ = 0;  // 0 until scored
-  std::string kindTransId_;
+  SharedText kindTransId_;    // shared, so that copying a record copies no text
   int inputIndex_ = -1;
 };
 

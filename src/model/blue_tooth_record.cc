@@ -10,16 +10,8 @@ BlueToothRecord::BlueToothRecord(long long timeStamp, int rssi)
     : BlueToothRecord("", "", timeStamp, rssi) {}
 
 std::string BlueToothRecord::toString() const {
-  return "BlueToothRecord{name='" + name_ + "', mac='" + mac_ +
+  return "BlueToothRecord{name='" + name_.get() + "', mac='" + mac_.get() +
          "', timeStamp=" + std::to_string(timeStamp_) + ", rssi=" + std::to_string(rssi_) + "}";
-}
-
-bool BlueToothRecord::operator<(BlueToothRecord const& other) const {
-  return orderKey() < other.orderKey();
-}
-
-bool BlueToothRecord::operator==(BlueToothRecord const& other) const {
-  return orderKey() == other.orderKey();
 }
 
 }  // namespace Vantis::Location

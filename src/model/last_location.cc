@@ -16,10 +16,10 @@ LastLocation::LastLocation(double lon, double lat, float acc, int locationType,
 void LastLocation::setIndoorInfo(int indoorFlag, std::string geoId, int floorId, int floorAcc,
                                  std::string floorInfo) {
   indoorFlag_ = indoorFlag;
-  geoId_ = std::move(geoId);
+  geoId_ = SharedText(std::move(geoId));
   floorId_ = floorId;
   floorAcc_ = floorAcc;
-  floorInfo_ = std::move(floorInfo);
+  floorInfo_ = SharedText(std::move(floorInfo));
 }
 
 void LastLocation::setGnssBearingSpeed(float bearing, float speed) {
@@ -34,8 +34,8 @@ std::string LastLocation::toString() const {
       << ", acc = " << static_cast<double>(acc_) << ", speed = " << static_cast<double>(speed_)
       << ", bearing = " << static_cast<double>(bearing_) << ", locationType = " << locationType_
       << ", locationSourceType = " << locationSourceType_ << ", indoorFlag = " << indoorFlag_
-      << ", buildingId = " << geoId_ << ", floor = " << floorId_ << ", floorAcc = " << floorAcc_
-      << ", isEnu = " << isEnu_ << "}";
+      << ", buildingId = " << geoId_.get() << ", floor = " << floorId_
+      << ", floorAcc = " << floorAcc_ << ", isEnu = " << isEnu_ << "}";
   return out.str();
 }
 
@@ -47,6 +47,10 @@ bool LastLocation::operator<(LastLocation const& other) const {
 
 bool LastLocation::operator==(LastLocation const& other) const {
   return orderKey() == other.orderKey();
+}
+
+bool LastLocation::precedesInTotalOrder(LastLocation const& other) const {
+  return totalOrderKey() < other.totalOrderKey();
 }
 
 }  // namespace Vantis::Location

@@ -3,6 +3,10 @@
 
 #include <string>
 #include <tuple>
+#include <utility>
+
+#include "model/nan_last.h"
+#include "model/shared_text.h"
 
 namespace Vantis::Location {
 
@@ -40,11 +44,17 @@ class LastLocation {
   void setFloorId(int floorId) { floorId_ = floorId; }
   int getFloorAcc() const { return floorAcc_; }
   void setFloorAcc(int floorAcc) { floorAcc_ = floorAcc; }
-  std::string const& getFloorInfo() const { return floorInfo_; }
-  void setFloorInfo(std::string const& floorInfo) { floorInfo_ = floorInfo; }
+  std::string const& getFloorInfo() const { return floorInfo_.get(); }
+  void setFloorInfo(std::string const& floorInfo) { floorInfo_ = SharedText(floorInfo); }
+  // Shares a text with other records instead of copying it.
+  void setFloorInfo(SharedText floorInfo) { floorInfo_ = std::move(floorInfo); }
   // Building identifier.
-  std::string const& getGeoId() const { return geoId_; }
-  void setGeoId(std::string const& geoId) { geoId_ = geoId; }
+  std::string const& getGeoId() const { return geoId_.get(); }
+  // The same, as the shared text: cheap to compare and copy.
+  SharedText const& getGeoIdText() const { return geoId_; }
+  void setGeoId(std::string const& geoId) { geoId_ = SharedText(geoId); }
+  // Shares a text with other records instead of copying it.
+  void setGeoId(SharedText geoId) { geoId_ = std::move(geoId); }
   bool getEnu() const { return isEnu_; }
   void setEnu(bool isEnu) { isEnu_ = isEnu; }
 
@@ -59,12 +69,23 @@ class LastLocation {
   // floorInfo takes part in neither comparison.
   bool operator<(LastLocation const& other) const;
   bool operator==(LastLocation const& other) const;
+  // operator< with every NaN field sorted after the numbers and equivalent to every NaN: a
+  // strict weak ordering for any field values.
+  bool precedesInTotalOrder(LastLocation const& other) const;
 
  private:
   // The fields of both comparisons, in comparison order.
   auto orderKey() const {
     return std::tie(timeStamp_, lat_, lon_, acc_, speed_, bearing_, locationType_,
                     locationSourceType_, indoorFlag_, geoId_, floorId_, floorAcc_, isEnu_);
+  }
+
+  auto totalOrderKey() const {
+    using Key =
+        std::tuple<long long, NanLast<double>, NanLast<double>, NanLast<float>, NanLast<float>,
+                   NanLast<float>, int, int, int, SharedText const&, int, int, bool>;
+    return Key(timeStamp_, {lat_}, {lon_}, {acc_}, {speed_}, {bearing_}, locationType_,
+               locationSourceType_, indoorFlag_, geoId_, floorId_, floorAcc_, isEnu_);
   }
 
   long long timeStamp_ = 0;
@@ -78,8 +99,8 @@ class LastLocation {
   int indoorFlag_ = 0;
   int floorId_ = kNoFloor;
   int floorAcc_ = 0;
-  std::string floorInfo_;
-  std::string geoId_;
+  SharedText floorInfo_;
+  SharedText geoId_;
   bool isEnu_ = false;  // true when lon_/lat_ hold local east/north metres
 };
 

@@ -141,8 +141,9 @@ TEST(CorvexTagPositionCalculator, IndoorVoteTakesBuildingThenFloor) {
   EXPECT_EQ(voted({}, {}, {}), "0//-100/0/kept");
   EXPECT_EQ(voted({"A"}, {-100}, {10}), "0//-100/0/kept");
   EXPECT_EQ(voted({"A", "A", "A"}, {0, 0, 1}, {10, 10, 10}), "0//-100/0/kept");
-  EXPECT_EQ(Calculator::selectMostOccurrences<std::string>({"b", "B", "b", "B"}), "B");
-  EXPECT_EQ(Calculator::selectMostOccurrences<std::string>({}), "");
+  std::vector<SharedText> const texts = SharedText::ranked({"b", "B", "b", "B"});
+  EXPECT_EQ(Calculator::selectMostOccurrences(texts).get(), "B");
+  EXPECT_EQ(Calculator::selectMostOccurrences<SharedText>({}).get(), "");
   EXPECT_EQ(Calculator::selectMostOccurrences<int>({}), 0);
 }
 

@@ -95,17 +95,23 @@ Input uniform(int count, double value, float acc, int rssi, long long time) {
   return infos;
 }
 
-TEST(GetAggregateLocation, NullInfosReturnsItsOwnCodeAndWritesNothing) {
+TEST(GetAggregateLocation, NullArgumentReturnsItsOwnCodeAndWritesNothing) {
   LogCapture capture;
+  Input const infos = walkOfScans(3);
   for (int count : {-1, 0, 3}) {
-    AggregateLocationResult result;
-    std::memset(&result, 0xAB, sizeof result);
-    AggregateLocationResult const before = result;
-    char sentinel = 's';
-    char* trace = &sentinel;
-    EXPECT_EQ(GetAggregateLocation(nullptr, count, &result, &trace), CORVEX_NULL_INPUT);
-    EXPECT_EQ(std::memcmp(&result, &before, sizeof result), 0);
-    EXPECT_EQ(trace, &sentinel);
+    for (int nullArgument = 0; nullArgument < 3; ++nullArgument) {
+      AggregateLocationResult result;
+      std::memset(&result, 0xAB, sizeof result);
+      AggregateLocationResult const before = result;
+      char sentinel = 's';
+      char* trace = &sentinel;
+      EXPECT_EQ(GetAggregateLocation(nullArgument == 0 ? nullptr : infos.data(), count,
+                                     nullArgument == 1 ? nullptr : &result,
+                                     nullArgument == 2 ? nullptr : &trace),
+                CORVEX_NULL_INPUT);
+      EXPECT_EQ(std::memcmp(&result, &before, sizeof result), 0);
+      EXPECT_EQ(trace, &sentinel);
+    }
   }
   EXPECT_TRUE(capture.lines().empty());
 }
