@@ -1,0 +1,240 @@
+#include "tools/csv_scan_reader.h"
+
+#include <algorithm>
+
+namespace corvex_cli {
+namespace {
+
+std::string trimmed(char const* begin, char const* end) {
+  while (begin < end && (*begin == ' ' || *begin == '\t')) {
+    ++begin;
+  }
+  while (end > begin && (end[-1] == ' ' || end[-1] == '\t')) {
+    --end;
+  }
+  return std::string(begin, end);
+}
+
+void unescape(char const* begin, char const* end, std::string* out) {
+  out->reserve(static_cast<size_t>(end - begin));
+  for (char const* c = begin; c < end; ++c) {
+    out->push_back(*c);
+    if (*c == '"') {
+      ++c;  // "" stands for one quote
+    }
+  }
+}
+
+}  // namespace
+
+CsvScanReader::CsvScanReader(InputBuffer* in, ScanRecordBuilder* builder, ScanConsumer* consumer)
+    : in_(in), builder_(builder), consumer_(consumer) {}
+
+bool CsvScanReader::read(std::string* error) {
+  if (!readHeader(error)) {
+    return false;
+  }
+  while (true) {
+    builder_->start(line_);
+    Status const status = nextRow([this](size_t column, Field const& field,
+                                         std::string* e) { return setValue(column, field, e); },
+                                  error);
+    if (status == Status::kEnd) {
+      return !in_->failed();
+    }
+    if (status == Status::kFailed || !readRecord(error)) {
+      return false;
+    }
+  }
+}
+
+bool CsvScanReader::readHeader(std::string* error) {
+  std::vector<std::string> names;
+  Status const status = nextRow(
+      [&names](size_t, Field const& field, std::string*) {
+        std::string name;
+        if (field.escaped) {
+          unescape(field.begin, field.end, &name);
+        } else {
+          name.assign(field.begin, field.end);
+        }
+        names.push_back(trimmed(name.data(), name.data() + name.size()));
+        return true;
+      },
+      error);
+  if (status != Status::kRow) {
+    return status == Status::kEnd && !in_->failed();  // an empty input has no records
+  }
+  std::vector<bool> seen(ScanRecordBuilder::kFieldCount, false);
+  for (std::string const& name : names) {
+    int const field = ScanRecordBuilder::findField(name);
+    // Other columns are not read, so only a field that is read must be unambiguous.
+    if (field >= 0 && seen[field]) {
+      *error = at(rowLine_) + ": column '" + name + "' appears twice";
+      return false;
+    }
+    if (field >= 0) {
+      seen[field] = true;
+    }
+    fieldOfColumn_.push_back(field);
+  }
+  for (int field = ScanRecordBuilder::kTag + 1; field < ScanRecordBuilder::kFieldCount; ++field) {
+    if (!seen[field]) {
+      *error = at(rowLine_) + ": missing column '" + ScanRecordBuilder::fieldName(field) + "'";
+      return false;
+    }
+  }
+  return true;
+}
+
+bool CsvScanReader::readRecord(std::string* error) {
+  ScanRecord record;
+  if (!builder_->finish(&record, error) || !consumer_->add(record, error)) {
+    return false;
+  }
+  ++records_;
+  return true;
+}
+
+bool CsvScanReader::setValue(size_t column, Field const& field, std::string* error) {
+  if (column >= fieldOfColumn_.size()) {
+    *error = at(rowLine_) + ": expected " + std::to_string(fieldOfColumn_.size()) +
+             " fields as in the header, found more";
+    return false;
+  }
+  int const target = fieldOfColumn_[column];
+  if (target < 0) {
+    return true;
+  }
+  if (!field.escaped) {
+    builder_->set(target, ScanRecordBuilder::Kind::kText,
+                  std::string_view(field.begin, static_cast<size_t>(field.end - field.begin)),
+                  rowLine_);
+    return true;
+  }
+  std::string* const text = builder_->scratch(target);
+  unescape(field.begin, field.end, text);
+  builder_->set(target, ScanRecordBuilder::Kind::kText, *text, rowLine_);
+  return true;
+}
+
+template <typename OnField>
+CsvScanReader::Status CsvScanReader::nextRow(OnField const& onField, std::string* error) {
+  bool atEnd = in_->size() == 0 && !in_->fill(error);
+  while (true) {
+    Status const status = splitRow(atEnd, onField, error);
+    if (status != Status::kNeedMore) {
+      return status;
+    }
+    if (in_->size() > kMaxRowBytes) {
+      *error = at(rowLine_) + ": line longer than " + std::to_string(kMaxRowBytes) + " bytes";
+      return Status::kFailed;
+    }
+    atEnd = !in_->fill(error);
+    if (in_->failed()) {
+      return Status::kFailed;
+    }
+  }
+}
+
+template <typename OnField>
+CsvScanReader::Status CsvScanReader::splitRow(bool atEnd, OnField const& onField,
+                                              std::string* error) {
+  char const* p = in_->begin();
+  char const* const end = in_->end();
+  int line = line_;
+  // Empty lines.
+  while (p < end && (*p == '\n' || (*p == '\r' && p + 1 < end && p[1] == '\n') ||
+                     (*p == '\r' && p + 1 == end && atEnd))) {
+    p += *p == '\r' && p + 1 < end ? 2 : 1;
+    ++line;
+  }
+  if (p == end) {
+    in_->consume(static_cast<size_t>(p - in_->begin()));
+    line_ = line;
+    return atEnd ? Status::kEnd : Status::kNeedMore;
+  }
+  char const* const rowBegin = p;
+  rowLine_ = line;
+  size_t column = 0;
+  while (true) {
+    Field field{p, p, false};
+    if (*p == '"') {
+      int const quoteLine = line;
+      char const* q = p + 1;
+      while (true) {
+        q = std::find_if(q, end, [](char c) { return c == '"' || c == '\n'; });
+        if (q == end || (q + 1 == end && !atEnd)) {
+          if (!atEnd) {
+            return Status::kNeedMore;
+          }
+          if (q == end) {
+            *error = at(quoteLine) + ": unterminated quoted field";
+            return Status::kFailed;
+          }
+        }
+        if (*q == '\n') {
+          ++line;
+          ++q;
+          continue;
+        }
+        if (q + 1 < end && q[1] == '"') {
+          field.escaped = true;
+          q += 2;
+          continue;
+        }
+        break;
+      }
+      field = {p + 1, q, field.escaped};
+      p = q + 1;
+      if (p < end && *p != ',' && *p != '\n' && !(*p == '\r' && (p + 1 == end || p[1] == '\n'))) {
+        *error = at(line) + ": unexpected text after a closing quote";
+        return Status::kFailed;
+      }
+    } else {
+      while (p < end && *p != ',' && *p != '\n' &&
+             !(*p == '\r' && (p + 1 == end || p[1] == '\n'))) {
+        if (*p == '"') {
+          *error = at(line) + ": quote inside an unquoted field";
+          return Status::kFailed;
+        }
+        ++p;
+      }
+      field.end = p;
+    }
+    if ((p == end || (*p == '\r' && p + 1 == end)) && !atEnd) {
+      return Status::kNeedMore;
+    }
+    if (!onField(column, field, error)) {
+      return Status::kFailed;
+    }
+    if (p < end && *p == ',') {
+      ++p;
+      ++column;
+      continue;
+    }
+    break;
+  }
+  if (p < end) {
+    p += *p == '\r' ? 2 : 1;  // the line end
+    if (p > end) {
+      p = end;
+    }
+  }
+  if (static_cast<size_t>(p - rowBegin) > kMaxRowBytes) {
+    *error = at(rowLine_) + ": line longer than " + std::to_string(kMaxRowBytes) + " bytes";
+    return Status::kFailed;
+  }
+  if (!fieldOfColumn_.empty() && column + 1 < fieldOfColumn_.size()) {
+    *error = at(rowLine_) + ": expected " + std::to_string(fieldOfColumn_.size()) +
+             " fields as in the header, found " + std::to_string(column + 1);
+    return Status::kFailed;
+  }
+  in_->consume(static_cast<size_t>(p - in_->begin()));
+  line_ = line + 1;
+  return Status::kRow;
+}
+
+std::string CsvScanReader::at(int line) const { return in_->name() + ":" + std::to_string(line); }
+
+}  // namespace corvex_cli

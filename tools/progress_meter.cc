@@ -1,0 +1,47 @@
+#include "tools/progress_meter.h"
+
+namespace corvex_cli {
+namespace {
+constexpr auto kQuietTime = std::chrono::seconds(1);
+constexpr auto kRefreshTime = std::chrono::milliseconds(250);
+}  // namespace
+
+ProgressMeter::ProgressMeter(bool enabled, size_t totalBytes, std::FILE* out)
+    : enabled_(enabled), totalBytes_(totalBytes), out_(out), start_(Clock::now()) {}
+
+void ProgressMeter::update(bool reading, size_t bytesRead, size_t records, size_t tagsDone,
+                           size_t tags) {
+  if (!enabled_) {
+    return;
+  }
+  Clock::time_point const now = Clock::now();
+  if (now - start_ < kQuietTime || (visible_ && now - shown_ < kRefreshTime)) {
+    return;
+  }
+  shown_ = now;
+  visible_ = true;
+  double const seconds = std::chrono::duration<double>(now - start_).count();
+  // Reading dominates until the input ends; then the tags still being located.
+  double done = 0;
+  if (reading) {
+    done = totalBytes_ > 0 ? static_cast<double>(bytesRead) / static_cast<double>(totalBytes_) : 0;
+  } else {
+    done = tags > 0 ? static_cast<double>(tagsDone) / static_cast<double>(tags) : 1;
+  }
+  std::fprintf(out_, "\r\033[Kcorvex: %zu of %zu%s tags located, %.0f records/s", tagsDone, tags,
+               reading ? "+" : "", static_cast<double>(records) / seconds);
+  if (done > 0) {
+    std::fprintf(out_, ", about %.0f s left", seconds * (1 - done) / done);
+  }
+  std::fflush(out_);
+}
+
+void ProgressMeter::clear() {
+  if (visible_) {
+    std::fprintf(out_, "\r\033[K");
+    std::fflush(out_);
+    visible_ = false;
+  }
+}
+
+}  // namespace corvex_cli
