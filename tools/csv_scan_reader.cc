@@ -35,7 +35,6 @@ bool CsvScanReader::read(std::string* error) {
     return false;
   }
   while (true) {
-    builder_->start(line_);
     Status const status = nextRow([this](size_t column, Field const& field,
                                          std::string* e) { return setValue(column, field, e); },
                                   error);
@@ -51,7 +50,8 @@ bool CsvScanReader::read(std::string* error) {
 bool CsvScanReader::readHeader(std::string* error) {
   std::vector<std::string> names;
   Status const status = nextRow(
-      [&names](size_t, Field const& field, std::string*) {
+      [&names](size_t column, Field const& field, std::string*) {
+        names.resize(column);  // a row is split again once more of it has been read
         std::string name;
         if (field.escaped) {
           unescape(field.begin, field.end, &name);
@@ -101,6 +101,9 @@ bool CsvScanReader::setValue(size_t column, Field const& field, std::string* err
     *error = at(rowLine_) + ": expected " + std::to_string(fieldOfColumn_.size()) +
              " fields as in the header, found more";
     return false;
+  }
+  if (column == 0) {
+    builder_->start(rowLine_);  // also when a row is split again once more has been read
   }
   int const target = fieldOfColumn_[column];
   if (target < 0) {

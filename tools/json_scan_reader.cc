@@ -105,16 +105,17 @@ JsonScanReader::Step JsonScanReader::step(Parse const& parse, std::string* error
     end_ = in_->end();
     int const line = line_;
     needMore_ = false;
-    if (parse()) {
+    bool const parsed = parse();
+    if (parsed && static_cast<size_t>(p_ - in_->begin()) <= kMaxRecordBytes) {
       in_->consume(static_cast<size_t>(p_ - in_->begin()));
       return Step::kDone;
     }
-    if (!needMore_) {
+    if (!parsed && !needMore_) {
       *error = in_->name() + ":" + std::to_string(line_) + ": invalid JSON: " + problem_;
       return Step::kFailed;
     }
     line_ = line;
-    if (in_->size() > kMaxRecordBytes) {
+    if (parsed || in_->size() > kMaxRecordBytes) {
       *error = in_->name() + ":" + std::to_string(line_) + ": record longer than " +
                std::to_string(kMaxRecordBytes) + " bytes";
       return Step::kFailed;
