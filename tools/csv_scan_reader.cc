@@ -152,9 +152,10 @@ CsvScanReader::Status CsvScanReader::splitRow(bool atEnd, OnField const& onField
     p += *p == '\r' && p + 1 < end ? 2 : 1;
     ++line;
   }
+  // Consumed at once, so that only the row itself counts towards its length.
+  in_->consume(static_cast<size_t>(p - in_->begin()));
+  line_ = line;
   if (p == end) {
-    in_->consume(static_cast<size_t>(p - in_->begin()));
-    line_ = line;
     return atEnd ? Status::kEnd : Status::kNeedMore;
   }
   char const* const rowBegin = p;

@@ -40,9 +40,12 @@ int main(int argc, char** argv) {
     return app.exit(e) == 0 ? corvex_cli::kExitSuccess : corvex_cli::kExitBadCommand;
   }
   try {
-    return locate.run();
+    if (locate.selected()) {
+      return locate.run();
+    }
   } catch (std::exception const& e) {
     std::cerr << "corvex: " << e.what() << "\n";
     return corvex_cli::kExitFailure;
   }
+  return corvex_cli::kExitBadCommand;  // CLI11 requires one subcommand; not reached
 }
