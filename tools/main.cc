@@ -5,6 +5,7 @@
 #include <iostream>
 #include <string>
 
+#include "corvex/aggregate_location.h"
 #include "tools/exit_code.h"
 #include "tools/locate_command.h"
 
@@ -28,7 +29,7 @@ bool knownSubcommand(CLI::App const& app, int argc, char** argv) {
 
 int main(int argc, char** argv) {
   CLI::App app{"corvex: estimates where Bluetooth Low Energy tags are from phone scan records"};
-  app.set_version_flag("--version", "corvex " CORVEX_VERSION);
+  app.set_version_flag("--version", "corvex " CORVEX_VERSION_STRING);
   app.require_subcommand(1);
   corvex_cli::LocateCommand locate(&app);
   if (!knownSubcommand(app, argc, argv)) {

@@ -11,8 +11,9 @@
  *    anything other than CORVEX_NULL_INPUT stores three new NUL-terminated strings: geoId and
  *    floorInfo of the output record, and the trace log. Each is allocated with the C++ array
  *    allocator (new char[length + 1]) and becomes the caller's; C++ callers release each one
- *    with delete[]; C callers must hand them to C++ code for release, as free() is not a
- *    valid way to release them. An empty text is a one-byte array holding only NUL. The
+ *    with delete[], C callers with ReleaseAggregateLocationString
+ *    (corvex/release_aggregate_location_string.h, libcorvex_release); free() is not a valid
+ *    way to release them. An empty text is a one-byte array holding only NUL. The
  *    pointers are null only when memory ran out (CORVEX_UNKNOWN_ERROR; nothing to release).
  *    The library keeps no reference to the input after the call and never writes to it.
  *
@@ -30,6 +31,17 @@
 
 #include <stddef.h>
 #include <stdint.h>
+
+/* Version of the library (semantic versioning: the shared library's SONAME carries the major
+ * number). The build reads the project version from these three lines. */
+#define CORVEX_VERSION_MAJOR 0
+#define CORVEX_VERSION_MINOR 1
+#define CORVEX_VERSION_PATCH 0
+#define CORVEX_VERSION_TEXT_(major, minor, patch) #major "." #minor "." #patch
+#define CORVEX_VERSION_TEXT(major, minor, patch) CORVEX_VERSION_TEXT_(major, minor, patch)
+/* "MAJOR.MINOR.PATCH" */
+#define CORVEX_VERSION_STRING \
+  CORVEX_VERSION_TEXT(CORVEX_VERSION_MAJOR, CORVEX_VERSION_MINOR, CORVEX_VERSION_PATCH)
 
 #ifdef __cplusplus
 extern "C" {

@@ -29,6 +29,26 @@ TagBestLocation newestScanResult(BleScanInfoWithConfidence const& newest) {
   return result;
 }
 
+// A solved result (success or RSSI_OVER_LIMIT) is still in the local plane; every other code
+// comes from the default result, which is in degrees.
+void recordOutcome(LocateTrace::Outcome& outcome, TagBestLocation result,
+                   std::vector<double> const& refPos, bool inLocalPlane) {
+  if (inLocalPlane) {
+    CoordinateConverter::enuConvertToGnss(result, refPos);
+  }
+  outcome.ran = true;
+  outcome.lon = result.getLon();
+  outcome.lat = result.getLat();
+  outcome.acc = result.getAcc();
+  outcome.runTimeStamp = result.getRunTimeStamp();
+  outcome.code = result.getErrorCode().getErrorCode();
+}
+
+bool isSolved(TagBestLocation const& result) {
+  return result.getErrorCode() == ErrorCode::SUCCESS ||
+         result.getErrorCode() == ErrorCode::RSSI_OVER_LIMIT;
+}
+
 }  // namespace
 
 TagBestLocation CorvexTagPositionCalculator::getPosition(
@@ -40,13 +60,21 @@ TagBestLocation CorvexTagPositionCalculator::getPosition(
   BleScanInfoFilters::sortByTimeStamp(infos);
   BleScanInfoWithConfidence const latest = infos.back();
   TagBestLocation defaultResult = newestScanResult(latest);
-  setResultIndoorInfo(defaultResult, {latest});
+  setResultIndoorInfo(defaultResult, {latest}, indoorVote());
 
   std::vector<double> const refPos = getRefPos(infos);
+  if (trace_ != nullptr) {
+    trace_->hasReference = true;
+    trace_->referenceLon = refPos[0];
+    trace_->referenceLat = refPos[1];
+  }
   CoordinateConverter::gnssConvertToEnu(infos, refPos);
   TagBestLocation innerResult = getPositionInner(infos, defaultResult);
   CoordinateConverter::enuConvertToGnss(infos, refPos);
   CoordinateConverter::enuConvertToGnss(filteredInfos_, refPos);
+  if (trace_ != nullptr) {
+    recordOutcome(trace_->main, innerResult, refPos, isSolved(innerResult));
+  }
   // Failures return as they are: RSSI_OVER_LIMIT deliberately keeps its local-plane position.
   if (innerResult.getErrorCode() != ErrorCode::SUCCESS) {
     return innerResult;
@@ -54,8 +82,15 @@ TagBestLocation CorvexTagPositionCalculator::getPosition(
 
   KmeansPositionCalculator kmeansCalculator;
   TagBestLocation kmeansResult = kmeansCalculator.getPosition(infos);
+  if (trace_ != nullptr) {
+    recordOutcome(trace_->kmeans, kmeansResult, refPos, false);
+  }
+  bool const mainWins = innerResult.getRunTimeStamp() >= kmeansResult.getRunTimeStamp();
+  if (trace_ != nullptr) {
+    trace_->winner = mainWins ? 1 : 2;
+  }
   TagBestLocation chosen;
-  if (innerResult.getRunTimeStamp() >= kmeansResult.getRunTimeStamp()) {
+  if (mainWins) {
     CorvexTagLogger::getInstance().info("using algorithm 1");
     CoordinateConverter::enuConvertToGnss(innerResult, refPos);
     chosen = std::move(innerResult);
@@ -63,7 +98,7 @@ TagBestLocation CorvexTagPositionCalculator::getPosition(
     CorvexTagLogger::getInstance().info("using algorithm 2");
     chosen = std::move(kmeansResult);
   }
-  setResultIndoorInfo(chosen, infos);
+  setResultIndoorInfo(chosen, infos, indoorVote());
   return chosen;
 }
 
@@ -78,7 +113,7 @@ TagBestLocation CorvexTagPositionCalculator::getPositionInner(
     return defaultResult.setErrorCodeAndGet(ErrorCode::CONFIDENCE_ERROR);
   }
   std::vector<int> infoCount;
-  filteredInfos_ = BleScanInfoFilters::filter(infos, infoCount);
+  filteredInfos_ = BleScanInfoFilters::filter(infos, infoCount, trace_ ? &trace_->fates : nullptr);
   if (filteredInfos_.empty()) {
     CorvexTagLogger::getInstance().error("filteredInfos is empty");
     return defaultResult.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "calculator/locate_trace.h"
 #include "calculator/position_calculator.h"
 #include "model/ble_scan_info_with_confidence.h"
 #include "model/tag_best_location.h"
@@ -19,6 +20,10 @@ namespace Vantis::Location {
 // east/north metres around the oldest record while solving and degrees otherwise.
 class CorvexTagPositionCalculator : public PositionCalculator {
  public:
+  // trace: when not null, filled with what the next getPosition call does (see LocateTrace);
+  // it must outlive the calculator's calls. Results and log lines are the same either way.
+  explicit CorvexTagPositionCalculator(LocateTrace* trace = nullptr) : trace_(trace) {}
+
   // Sorts infos by scan time and scores them in place; they leave in degrees (lon/lat) again.
   // Every failure is an error code on the result.
   TagBestLocation getPosition(std::vector<BleScanInfoWithConfidence>& infos) override;
@@ -43,10 +48,13 @@ class CorvexTagPositionCalculator : public PositionCalculator {
                                       std::vector<double> const& weights,
                                       std::vector<long long> const& timeStamps);
   // Least-squares fit of the ranges dists (metres) to the model's anchors, from the origin.
-  static TagBestLocation getOptimumResult(
-      std::vector<double> const& dists, std::vector<double> const& accs,
-      std::vector<double> const& weights, std::vector<long long> const& timeStamps,
-      std::shared_ptr<ValueAndJacobianFunction> const& function);
+  // trace, when given, receives the optimizer's iterations, evaluations and RMS.
+  static TagBestLocation getOptimumResult(std::vector<double> const& dists,
+                                          std::vector<double> const& accs,
+                                          std::vector<double> const& weights,
+                                          std::vector<long long> const& timeStamps,
+                                          std::shared_ptr<ValueAndJacobianFunction> const& function,
+                                          LocateTrace* trace = nullptr);
   // Sum of value x weight over the sum of weights; 0.0 when illegal or the weights sum < 0.0001.
   static double getWeightedAvg(std::vector<double> const& values,
                                std::vector<double> const& weights);
@@ -72,8 +80,10 @@ class CorvexTagPositionCalculator : public PositionCalculator {
                                    TagBestLocation const& result);
   // Building and floor by majority vote of the trusted indoor records near the result
   // (records and result in degrees); leaves the result alone when no vote is possible.
+  // vote, when given, is overwritten with the counts and the outcome.
   static void setResultIndoorInfo(TagBestLocation& result,
-                                  std::vector<BleScanInfoWithConfidence> const& infos);
+                                  std::vector<BleScanInfoWithConfidence> const& infos,
+                                  LocateTrace::IndoorVote* vote = nullptr);
   // Appends the records that may vote on the result's building and floor.
   static void filterIndoor(TagBestLocation const& result,
                            std::vector<BleScanInfoWithConfidence> const& infos,
@@ -83,6 +93,9 @@ class CorvexTagPositionCalculator : public PositionCalculator {
   static T selectMostOccurrences(std::vector<T> const& values);
 
  private:
+  LocateTrace::IndoorVote* indoorVote() const { return trace_ ? &trace_->indoorVote : nullptr; }
+
+  LocateTrace* trace_;
   std::vector<double> confidenceWeights_;  // newConfidence squared per record of the last solve
   std::vector<BleScanInfoWithConfidence> filteredInfos_;  // survivors of the last filtering
 };

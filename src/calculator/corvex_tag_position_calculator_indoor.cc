@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 
 #include "calculator/corvex_tag_position_calculator.h"
 #include "geometry/distance_utils.h"
@@ -77,6 +78,15 @@ bool averageFloorAcc(std::vector<BleScanInfoWithConfidence> const& candidates,
   return true;
 }
 
+template <typename T>
+std::vector<std::pair<T, int>> tally(std::vector<T> const& values) {
+  std::map<T, int> counts;
+  for (T const& value : values) {
+    ++counts[value];
+  }
+  return {counts.begin(), counts.end()};
+}
+
 }  // namespace
 
 bool CorvexTagPositionCalculator::checkOutlier(TagBestLocation const& result,
@@ -130,7 +140,11 @@ void CorvexTagPositionCalculator::filterIndoor(TagBestLocation const& result,
 }
 
 void CorvexTagPositionCalculator::setResultIndoorInfo(
-    TagBestLocation& result, std::vector<BleScanInfoWithConfidence> const& infos) {
+    TagBestLocation& result, std::vector<BleScanInfoWithConfidence> const& infos,
+    LocateTrace::IndoorVote* vote) {
+  if (vote != nullptr) {
+    *vote = LocateTrace::IndoorVote();
+  }
   std::vector<BleScanInfoWithConfidence> candidates;
   filterIndoor(result, infos, candidates);
   if (candidates.empty()) {
@@ -141,6 +155,10 @@ void CorvexTagPositionCalculator::setResultIndoorInfo(
     geoIds.push_back(candidate.getLastLocationConst().getGeoId());
   }
   std::string const building = selectMostOccurrences(geoIds);
+  if (vote != nullptr) {
+    vote->buildingCounts = tally(geoIds);
+    vote->building = building;
+  }
   if (building.empty()) {
     return;
   }
@@ -152,6 +170,10 @@ void CorvexTagPositionCalculator::setResultIndoorInfo(
     }
   }
   int const floor = selectMostOccurrences(floorIds);
+  if (vote != nullptr) {
+    vote->floorCounts = tally(floorIds);
+    vote->floor = floor;
+  }
   int floorAcc = 0;
   if (floor == kNoIndoorFloor || !averageFloorAcc(candidates, building, floor, floorAcc)) {
     return;
@@ -160,6 +182,9 @@ void CorvexTagPositionCalculator::setResultIndoorInfo(
   result.setGeoId(building);
   result.setFloorId(floor);
   result.setFloorAcc(floorAcc);
+  if (vote != nullptr) {
+    vote->applied = true;
+  }
 }
 
 template <typename T>

@@ -70,10 +70,13 @@ TagBestLocation CorvexTagPositionCalculator::getTagResult(
   TagBestLocation result;
   if (infos.size() < kMinLeastSquaresRecords || stdPointError(points) < kMinLeastSquaresSpread) {
     result = getAvgResult(points, accs, weights, timeStamps);
+    if (trace_ != nullptr) {
+      trace_->solver = LocateTrace::Solver::kWeightedMean;
+    }
   } else {
     std::shared_ptr<ValueAndJacobianFunction> const function =
         std::make_shared<TagValueAndJacobianFunction>(points);
-    result = getOptimumResult(dists, accs, weights, timeStamps, function);
+    result = getOptimumResult(dists, accs, weights, timeStamps, function, trace_);
   }
   if (result.getErrorCode() == ErrorCode::SUCCESS && rssiOverLimit) {
     result.setErrorCode(ErrorCode::RSSI_OVER_LIMIT);
@@ -96,7 +99,7 @@ TagBestLocation CorvexTagPositionCalculator::getAvgResult(
 TagBestLocation CorvexTagPositionCalculator::getOptimumResult(
     std::vector<double> const& dists, std::vector<double> const& accs,
     std::vector<double> const& weights, std::vector<long long> const& timeStamps,
-    std::shared_ptr<ValueAndJacobianFunction> const& function) {
+    std::shared_ptr<ValueAndJacobianFunction> const& function, LocateTrace* trace) {
   // The local plane's origin is the oldest record's position.
   std::vector<double> const start = {0.0, 0.0};
   LSProblem problem(function, dists, start, weights, ConstrictionInspector<Estimation>());
@@ -109,6 +112,12 @@ TagBestLocation CorvexTagPositionCalculator::getOptimumResult(
     point = start;  // a problem without a model yields no point
   }
   double const rms = optimum.getRMS();
+  if (trace != nullptr) {
+    trace->solver = LocateTrace::Solver::kLeastSquares;
+    trace->solverIterations = optimum.getIterations();
+    trace->solverEvaluations = optimum.getEvaluations();
+    trace->solverRms = rms;
+  }
 
   float const acc = static_cast<float>(getWeightedAvg(accs, weights) + rms);
   double const confidence = getWeightedAvg(weights, weights);

@@ -66,36 +66,81 @@ void removeOlderThanSixHours(std::vector<BleScanInfoWithConfidence>& infos) {
               infos.end());
 }
 
+using Fate = LocateTrace::Fate;
+
+bool isTracked(std::vector<Fate> const& fates, BleScanInfoWithConfidence const& info) {
+  return info.getInputIndex() >= 0 && static_cast<size_t>(info.getInputIndex()) < fates.size();
+}
+
+void markEntered(std::vector<Fate>* fates, std::vector<BleScanInfoWithConfidence> const& infos) {
+  if (fates == nullptr) {
+    return;
+  }
+  for (BleScanInfoWithConfidence const& info : infos) {
+    if (isTracked(*fates, info)) {
+      (*fates)[static_cast<size_t>(info.getInputIndex())] = Fate::kKept;
+    }
+  }
+}
+
+// Records still marked kept that are missing from `survivors` were removed by `stage`.
+void markRemoved(std::vector<Fate>* fates, std::vector<BleScanInfoWithConfidence> const& survivors,
+                 Fate stage) {
+  if (fates == nullptr) {
+    return;
+  }
+  std::vector<char> survived(fates->size(), 0);
+  for (BleScanInfoWithConfidence const& info : survivors) {
+    if (isTracked(*fates, info)) {
+      survived[static_cast<size_t>(info.getInputIndex())] = 1;
+    }
+  }
+  for (size_t i = 0; i < fates->size(); ++i) {
+    if ((*fates)[i] == Fate::kKept && survived[i] == 0) {
+      (*fates)[i] = stage;
+    }
+  }
+}
+
 }  // namespace
 
 std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
-    std::vector<BleScanInfoWithConfidence> const& infos, std::vector<int>& infoCount) {
+    std::vector<BleScanInfoWithConfidence> const& infos, std::vector<int>& infoCount,
+    std::vector<Fate>* fates) {
   if (infos.empty()) {
     CorvexTagLogger::getInstance().error("infos is null or empty");
     return {};
   }
   std::vector<BleScanInfoWithConfidence> result = infos;
+  markEntered(fates, result);
   appendCount(infoCount, result);
   removeOlderThanSixHours(result);
+  markRemoved(fates, result, Fate::kAgeCut);
   appendCount(infoCount, result);
   result = KindTransIDFilter::filter(result);
+  markRemoved(fates, result, Fate::kKindTransId);
   appendCount(infoCount, result);
   result = ConfidenceFilter::filter(result, halfAtLeast(result.size(), kMinConfidenceItems),
                                     kMinConfidence);
+  markRemoved(fates, result, Fate::kConfidenceCut);
   appendCount(infoCount, result);
   logInfo("Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): " +
           printVec(infoCount));
   dbscanClustering(result, DYNAMIC_STAGE);
+  markRemoved(fates, result, Fate::kDynamicCluster);
   appendCount(infoCount, result);
   dbscanClustering(result, STATIC_STAGE);
+  markRemoved(fates, result, Fate::kStaticCluster);
   appendCount(infoCount, result);
   if (GnssUtils::isOutDoor(result)) {
     logInfo("GnssRatio: " + std::to_string(GnssUtils::getGnssRatio(result)));
     result = DistanceOffsetFromGnssFilter::filter(result);
+    markRemoved(fates, result, Fate::kGnssOffset);
     appendCount(infoCount, result);
     logInfo("Infos size(Filtered by GNSS std): " + std::to_string(result.size()));
     result = DistanceOffsetFilter::filterByDistance(
         result, halfAtLeast(result.size(), kMinDistanceItems), kMaxDistanceStd);
+    markRemoved(fates, result, Fate::kSpreadTrim);
     appendCount(infoCount, result);
     logInfo("Infos size(Filtered by distance std): " + std::to_string(result.size()));
   }

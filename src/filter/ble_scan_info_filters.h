@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "calculator/locate_trace.h"
 #include "model/ble_scan_info_with_confidence.h"
 
 namespace Vantis::Location {
@@ -20,9 +21,11 @@ class BleScanInfoFilters {
   using ClusterList = std::vector<Cluster>;
 
   // Survivors of all stages in ascending time order; `infos` must be in ascending time order.
-  // Appends the record count after each stage to `infoCount`.
+  // Appends the record count after each stage to `infoCount`. When `fates` is given (one entry
+  // per record of the caller's array), marks each record by the stage that removed it, or kept.
   static std::vector<BleScanInfoWithConfidence> filter(
-      std::vector<BleScanInfoWithConfidence> const& infos, std::vector<int>& infoCount);
+      std::vector<BleScanInfoWithConfidence> const& infos, std::vector<int>& infoCount,
+      std::vector<LocateTrace::Fate>* fates = nullptr);
 
   // Replaces `infos` by one cluster of its records (see the stage for radius and chooser).
   // Orders records by scan time, oldest first; stable, so equal times keep their order. The

@@ -24,6 +24,7 @@ std::vector<BleScanInfoWithConfidence> AggregateLocationAdapter::toScanInfos(
   }
   for (int i = 0; i < count; ++i) {
     scanInfos.push_back(toScanInfo(infos[i]));
+    scanInfos.back().setInputIndex(i);
   }
   return scanInfos;
 }

@@ -12,7 +12,8 @@ namespace Vantis::Location {
 // Translates between the C records of the exported entry point and the library's classes.
 class AggregateLocationAdapter {
  public:
-  // One record per element, in array order; count <= 0 gives an empty list.
+  // One record per element, in array order, each knowing its index; count <= 0 gives an
+  // empty list.
   static std::vector<BleScanInfoWithConfidence> toScanInfos(const AggregateScanInfo* infos,
                                                             int count);
   // The indoor fields are taken only when geoId is set; a null floorInfo then reads as "".

@@ -49,6 +49,11 @@ class BleScanInfoWithConfidence : public DbScanClass {
   void setNewConfidence(double newConfidence) { newConfidence_ = newConfidence; }
   std::string const& getKindTransId() const { return kindTransId_; }
   void setKindTransId(std::string const& kindTransId) { kindTransId_ = kindTransId; }
+  // Position of the record in the caller's array (0 to count - 1), -1 for a record made
+  // elsewhere. Travels with every copy so that an observer can tell which records a stage
+  // kept; takes part in neither comparison and is not printed.
+  int getInputIndex() const { return inputIndex_; }
+  void setInputIndex(int inputIndex) { inputIndex_ = inputIndex; }
 
   std::string toString() const;
 
@@ -68,6 +73,7 @@ class BleScanInfoWithConfidence : public DbScanClass {
   double confidence_;
   double newConfidence_ = 0;  // 0 until scored
   std::string kindTransId_;
+  int inputIndex_ = -1;
 };
 
 }  // namespace Vantis::Location

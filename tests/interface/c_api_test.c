@@ -4,9 +4,7 @@
 #include <string.h>
 
 #include "corvex/aggregate_location.h"
-
-/* The returned strings come from new[]; C hands them back to C++ for release. */
-void corvex_test_release(char* text);
+#include "corvex/release_aggregate_location_string.h"
 
 static int failures = 0;
 
@@ -25,9 +23,9 @@ static void callWith(const AggregateScanInfo* infos, int count, int expectedCode
   check(code == expectedCode, "return code");
   check(result.geoId != NULL && result.floorInfo != NULL, "strings returned");
   check(at != NULL && atoi(at + strlen("\"errorCode\":")) == code, "code in the trace log");
-  corvex_test_release(result.geoId);
-  corvex_test_release(result.floorInfo);
-  corvex_test_release(trace);
+  ReleaseAggregateLocationString(result.geoId);
+  ReleaseAggregateLocationString(result.floorInfo);
+  ReleaseAggregateLocationString(trace);
 }
 
 int main(void) {
