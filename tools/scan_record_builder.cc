@@ -10,11 +10,11 @@
 namespace corvex_cli {
 namespace {
 
-constexpr char const* kFieldNames[] = {"tag",        "timeStamp",    "rssi",
-                                       "confidence", "lon",          "lat",
-                                       "acc",        "locationType", "locationSourceType",
-                                       "indoorFlag", "floorId",      "floorAcc",
-                                       "floorInfo",  "geoId"};
+constexpr std::string_view kFieldNames[] = {"tag",        "timeStamp",    "rssi",
+                                            "confidence", "lon",          "lat",
+                                            "acc",        "locationType", "locationSourceType",
+                                            "indoorFlag", "floorId",      "floorAcc",
+                                            "floorInfo",  "geoId"};
 static_assert(std::size(kFieldNames) == ScanRecordBuilder::kFieldCount);
 
 std::string_view trimmed(std::string_view text) {
@@ -43,7 +43,7 @@ std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"
 ScanRecordBuilder::ScanRecordBuilder(std::string name, bool strict)
     : name_(std::move(name)), strict_(strict) {}
 
-char const* ScanRecordBuilder::fieldName(int field) { return kFieldNames[field]; }
+char const* ScanRecordBuilder::fieldName(int field) { return kFieldNames[field].data(); }
 
 int ScanRecordBuilder::findField(std::string_view name) {
   for (int field = 0; field < kFieldCount; ++field) {
@@ -221,7 +221,7 @@ bool ScanRecordBuilder::numberText(int field, std::string_view* text, std::strin
 std::string ScanRecordBuilder::fail(int field, std::string const& problem) const {
   Value const& found = values_[field];
   int const line = found.kind != Kind::kAbsent ? found.line : line_;
-  return name_ + ":" + std::to_string(line) + ": field '" + kFieldNames[field] + "': " + problem;
+  return name_ + ":" + std::to_string(line) + ": field '" + fieldName(field) + "': " + problem;
 }
 
 }  // namespace corvex_cli
