@@ -1,6 +1,7 @@
 #include "tools/csv_scan_reader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace corvex_cli {
 namespace {
@@ -48,17 +49,20 @@ bool CsvScanReader::read(std::string* error) {
 }
 
 bool CsvScanReader::readHeader(std::string* error) {
-  std::vector<std::string> names;
+  // Only the field of each column is kept, so that a long header costs little memory.
+  std::vector<int> fields;
+  std::string name;
   Status const status = nextRow(
-      [&names](size_t column, Field const& field, std::string*) {
-        names.resize(column);  // a row is split again once more of it has been read
-        std::string name;
+      [&fields, &name](size_t column, Field const& field, std::string*) {
+        fields.resize(column);  // a row is split again once more of it has been read
+        name.clear();
         if (field.escaped) {
           unescape(field.begin, field.end, &name);
         } else {
           name.assign(field.begin, field.end);
         }
-        names.push_back(trimmed(name.data(), name.data() + name.size()));
+        fields.push_back(
+            ScanRecordBuilder::findField(trimmed(name.data(), name.data() + name.size())));
         return true;
       },
       error);
@@ -66,17 +70,16 @@ bool CsvScanReader::readHeader(std::string* error) {
     return status == Status::kEnd && !in_->failed();  // an empty input has no records
   }
   std::vector<bool> seen(ScanRecordBuilder::kFieldCount, false);
-  for (std::string const& name : names) {
-    int const field = ScanRecordBuilder::findField(name);
+  for (int field : fields) {
     // Other columns are not read, so only a field that is read must be unambiguous.
     if (field >= 0 && seen[field]) {
-      *error = at(rowLine_) + ": column '" + name + "' appears twice";
+      *error =
+          at(rowLine_) + ": column '" + ScanRecordBuilder::fieldName(field) + "' appears twice";
       return false;
     }
     if (field >= 0) {
       seen[field] = true;
     }
-    fieldOfColumn_.push_back(field);
   }
   for (int field = ScanRecordBuilder::kTag + 1; field < ScanRecordBuilder::kFieldCount; ++field) {
     if (!seen[field]) {
@@ -84,6 +87,7 @@ bool CsvScanReader::readHeader(std::string* error) {
       return false;
     }
   }
+  fieldOfColumn_ = std::move(fields);
   return true;
 }
 
