@@ -21,12 +21,10 @@ void ProgressMeter::update(bool reading, size_t bytesRead, size_t records, size_
   shown_ = now;
   visible_ = true;
   double const seconds = std::chrono::duration<double>(now - start_).count();
-  // Reading dominates until the input ends; then the tags still being located.
-  double done = 0;
+  // The share of the tags read so far that are located, scaled by the share of the input read.
+  double done = tags > 0 ? static_cast<double>(tagsDone) / static_cast<double>(tags) : 0;
   if (reading) {
-    done = totalBytes_ > 0 ? static_cast<double>(bytesRead) / static_cast<double>(totalBytes_) : 0;
-  } else {
-    done = tags > 0 ? static_cast<double>(tagsDone) / static_cast<double>(tags) : 1;
+    done *= totalBytes_ > 0 ? static_cast<double>(bytesRead) / static_cast<double>(totalBytes_) : 0;
   }
   std::fprintf(out_, "\r\033[Kcorvex: %zu of %zu%s tags located, %.0f records/s", tagsDone, tags,
                reading ? "+" : "", static_cast<double>(records) / seconds);
