@@ -32,7 +32,7 @@ class JsonScanReader {
   size_t records() const { return records_; }
 
  private:
-  enum class Step { kDone, kNeedMore, kFailed };
+  enum class Step { kDone, kFailed };
 
   // Each parses one piece at p_ and returns false when it failed or ran out of text.
   void skipBlanks();

@@ -1,13 +1,15 @@
 #include "tools/progress_meter.h"
 
+#include <cstdio>
+
 namespace corvex_cli {
 namespace {
 constexpr auto kQuietTime = std::chrono::seconds(1);
 constexpr auto kRefreshTime = std::chrono::milliseconds(250);
 }  // namespace
 
-ProgressMeter::ProgressMeter(bool enabled, size_t totalBytes, std::FILE* out)
-    : enabled_(enabled), totalBytes_(totalBytes), out_(out), start_(Clock::now()) {}
+ProgressMeter::ProgressMeter(bool enabled, size_t totalBytes)
+    : enabled_(enabled), totalBytes_(totalBytes), start_(Clock::now()) {}
 
 void ProgressMeter::update(bool reading, size_t bytesRead, size_t records, size_t tagsDone,
                            size_t tags) {
@@ -26,18 +28,18 @@ void ProgressMeter::update(bool reading, size_t bytesRead, size_t records, size_
   if (reading) {
     done *= totalBytes_ > 0 ? static_cast<double>(bytesRead) / static_cast<double>(totalBytes_) : 0;
   }
-  std::fprintf(out_, "\r\033[Kcorvex: %zu of %zu%s tags located, %.0f records/s", tagsDone, tags,
+  std::fprintf(stderr, "\r\033[Kcorvex: %zu of %zu%s tags located, %.0f records/s", tagsDone, tags,
                reading ? "+" : "", static_cast<double>(records) / seconds);
   if (done > 0) {
-    std::fprintf(out_, ", about %.0f s left", seconds * (1 - done) / done);
+    std::fprintf(stderr, ", about %.0f s left", seconds * (1 - done) / done);
   }
-  std::fflush(out_);
+  std::fflush(stderr);
 }
 
 void ProgressMeter::clear() {
   if (visible_) {
-    std::fprintf(out_, "\r\033[K");
-    std::fflush(out_);
+    std::fprintf(stderr, "\r\033[K");
+    std::fflush(stderr);
     visible_ = false;
   }
 }

@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <cstdio>
 
 namespace corvex_cli {
 
@@ -13,7 +12,7 @@ namespace corvex_cli {
 class ProgressMeter {
  public:
   // totalBytes: size of the input, 0 when unknown.
-  ProgressMeter(bool enabled, size_t totalBytes, std::FILE* out = stderr);
+  ProgressMeter(bool enabled, size_t totalBytes);
   ~ProgressMeter() { clear(); }
   ProgressMeter(ProgressMeter const&) = delete;
   ProgressMeter& operator=(ProgressMeter const&) = delete;
@@ -28,7 +27,6 @@ class ProgressMeter {
 
   bool enabled_;
   size_t totalBytes_;
-  std::FILE* out_;
   Clock::time_point start_;
   Clock::time_point shown_;
   bool visible_ = false;
