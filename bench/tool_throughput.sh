@@ -2,6 +2,7 @@
 # Throughput of `corvex locate --jobs 2`: records/s and peak RSS on generated inputs of 100 tags
 # (200,000 records as CSV and as JSON; JSON also at 25k, 100k and 400k records for the scaling).
 # Each input is run RUNS times; the fastest run is shown. The answers go to /dev/null.
+# Inputs are made once, in $CORVEX_BENCH_DATA (default /tmp/corvex-bench).
 # Usage: bench/tool_throughput.sh [CORVEX_BINARY [RUNS [SIZES]]]
 #   defaults: build/tools/corvex, 3, "csv:200000 json:25000 json:100000 json:200000 json:400000"
 set -euo pipefail
@@ -10,6 +11,7 @@ corvex=${1:-$root/build/tools/corvex}
 runs=${2:-3}
 sizes=${3:-csv:200000 json:25000 json:100000 json:200000 json:400000}
 data=${CORVEX_BENCH_DATA:-/tmp/corvex-bench}
+[ -x /usr/bin/time ] || { echo "needs GNU time: apt-get install time" >&2; exit 1; }
 mkdir -p "$data"
 
 printf '| input | records | MB | wall (s) | CPU (s) | records/s | peak RSS (MB) | RSS / file |\n'
