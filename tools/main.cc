@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include "corvex/aggregate_location.h"
@@ -44,6 +45,10 @@ int main(int argc, char** argv) {
     if (locate.selected()) {
       return locate.run();
     }
+  } catch (std::bad_alloc const&) {
+    // Every record is kept until its tag is located for the last time.
+    std::cerr << "corvex: out of memory: the input holds more records than fit; split it by tag\n";
+    return corvex_cli::kExitFailure;
   } catch (std::exception const& e) {
     std::cerr << "corvex: " << e.what() << "\n";
     return corvex_cli::kExitFailure;
