@@ -18,7 +18,9 @@ namespace corvex_cli {
 // object; unknown keys and their values are skipped. An object longer than kMaxRecordBytes or
 // nested deeper than kMaxDepth is refused.
 //
-// Hand-written because a general streaming parser reached less than 200,000 records/s here.
+// Hand-written: the SAX interface of the JSON library the tool uses took 2.6 times as long to
+// parse the records as this reader takes to parse and convert them, and it builds a string
+// whole before anyone can refuse it, and knows no lines.
 class JsonScanReader {
  public:
   static constexpr size_t kMaxRecordBytes = 1 << 20;
