@@ -6,6 +6,11 @@
 namespace corvex_cli {
 namespace {
 
+// A line end at p: LF, or CR before LF or at the end of the text read so far.
+bool isLineEnd(char const* p, char const* end) {
+  return *p == '\n' || (*p == '\r' && (p + 1 == end || p[1] == '\n'));
+}
+
 std::string trimmed(char const* begin, char const* end) {
   while (begin < end && (*begin == ' ' || *begin == '\t')) {
     ++begin;
@@ -147,68 +152,19 @@ CsvScanReader::Status CsvScanReader::nextRow(OnField const& onField, std::string
 template <typename OnField>
 CsvScanReader::Status CsvScanReader::splitRow(bool atEnd, OnField const& onField,
                                               std::string* error) {
+  if (!skipEmptyLines(atEnd)) {
+    return in_->size() == 0 && atEnd ? Status::kEnd : Status::kNeedMore;
+  }
   char const* p = in_->begin();
   char const* const end = in_->end();
   int line = line_;
-  // Empty lines.
-  while (p < end && (*p == '\n' || (*p == '\r' && p + 1 < end && p[1] == '\n') ||
-                     (*p == '\r' && p + 1 == end && atEnd))) {
-    p += *p == '\r' && p + 1 < end ? 2 : 1;
-    ++line;
-  }
-  // Consumed at once, so that only the row itself counts towards its length.
-  in_->consume(static_cast<size_t>(p - in_->begin()));
-  line_ = line;
-  if (p == end) {
-    return atEnd ? Status::kEnd : Status::kNeedMore;
-  }
-  char const* const rowBegin = p;
   rowLine_ = line;
-  size_t column = 0;
-  while (true) {
+  for (size_t column = 0;; ++column) {
     Field field{p, p, false};
-    if (*p == '"') {
-      int const quoteLine = line;
-      char const* q = p + 1;
-      while (true) {
-        q = std::find_if(q, end, [](char c) { return c == '"' || c == '\n'; });
-        if (q == end || (q + 1 == end && !atEnd)) {
-          if (!atEnd) {
-            return Status::kNeedMore;
-          }
-          if (q == end) {
-            *error = at(quoteLine) + ": unterminated quoted field";
-            return Status::kFailed;
-          }
-        }
-        if (*q == '\n') {
-          ++line;
-          ++q;
-          continue;
-        }
-        if (q + 1 < end && q[1] == '"') {
-          field.escaped = true;
-          q += 2;
-          continue;
-        }
-        break;
-      }
-      field = {p + 1, q, field.escaped};
-      p = q + 1;
-      if (p < end && *p != ',' && *p != '\n' && !(*p == '\r' && (p + 1 == end || p[1] == '\n'))) {
-        *error = at(line) + ": unexpected text after a closing quote";
-        return Status::kFailed;
-      }
-    } else {
-      while (p < end && *p != ',' && *p != '\n' &&
-             !(*p == '\r' && (p + 1 == end || p[1] == '\n'))) {
-        if (*p == '"') {
-          *error = at(line) + ": quote inside an unquoted field";
-          return Status::kFailed;
-        }
-        ++p;
-      }
-      field.end = p;
+    Status const split = *p == '"' ? splitQuoted(&p, atEnd, &line, &field, error)
+                                   : splitUnquoted(&p, &field, line, error);
+    if (split != Status::kRow) {
+      return split;
     }
     if ((p == end || (*p == '\r' && p + 1 == end)) && !atEnd) {
       return Status::kNeedMore;
@@ -216,26 +172,90 @@ CsvScanReader::Status CsvScanReader::splitRow(bool atEnd, OnField const& onField
     if (!onField(column, field, error)) {
       return Status::kFailed;
     }
-    if (p < end && *p == ',') {
-      ++p;
-      ++column;
-      continue;
+    if (p == end || *p != ',') {
+      return endRow(p, column + 1, line, error);
     }
-    break;
+    ++p;
   }
+}
+
+bool CsvScanReader::skipEmptyLines(bool atEnd) {
+  char const* p = in_->begin();
+  char const* const end = in_->end();
+  while (p < end && (*p == '\n' || (*p == '\r' && p + 1 < end && p[1] == '\n') ||
+                     (*p == '\r' && p + 1 == end && atEnd))) {
+    p += *p == '\r' && p + 1 < end ? 2 : 1;
+    ++line_;
+  }
+  // Consumed at once, so that only the row itself counts towards its length.
+  in_->consume(static_cast<size_t>(p - in_->begin()));
+  return p < end;
+}
+
+CsvScanReader::Status CsvScanReader::splitQuoted(char const** at, bool atEnd, int* line,
+                                                 Field* field, std::string* error) {
+  char const* const end = in_->end();
+  char const* q = *at + 1;
+  int const quoteLine = *line;
+  while (true) {
+    q = std::find_if(q, end, [](char c) { return c == '"' || c == '\n'; });
+    if (q == end || (q + 1 == end && !atEnd)) {
+      if (!atEnd) {
+        return Status::kNeedMore;  // the field, or what follows its quote, may go on
+      }
+      if (q == end) {
+        *error = this->at(quoteLine) + ": unterminated quoted field";
+        return Status::kFailed;
+      }
+    }
+    if (*q == '\n') {
+      ++*line;
+      ++q;
+    } else if (q + 1 < end && q[1] == '"') {
+      field->escaped = true;
+      q += 2;
+    } else {
+      break;
+    }
+  }
+  *field = {*at + 1, q, field->escaped};
+  *at = q + 1;
+  if (*at < end && **at != ',' && !isLineEnd(*at, end)) {
+    *error = this->at(*line) + ": unexpected text after a closing quote";
+    return Status::kFailed;
+  }
+  return Status::kRow;
+}
+
+CsvScanReader::Status CsvScanReader::splitUnquoted(char const** at, Field* field, int line,
+                                                   std::string* error) {
+  char const* const end = in_->end();
+  char const* p = *at;
+  while (p < end && *p != ',' && !isLineEnd(p, end)) {
+    if (*p == '"') {
+      *error = this->at(line) + ": quote inside an unquoted field";
+      return Status::kFailed;
+    }
+    ++p;
+  }
+  field->end = p;
+  *at = p;
+  return Status::kRow;
+}
+
+CsvScanReader::Status CsvScanReader::endRow(char const* p, size_t fields, int line,
+                                            std::string* error) {
+  char const* const end = in_->end();
   if (p < end) {
-    p += *p == '\r' ? 2 : 1;  // the line end
-    if (p > end) {
-      p = end;
-    }
+    p = std::min(p + (*p == '\r' ? 2 : 1), end);  // the line end
   }
-  if (static_cast<size_t>(p - rowBegin) > kMaxRowBytes) {
+  if (static_cast<size_t>(p - in_->begin()) > kMaxRowBytes) {
     *error = at(rowLine_) + ": line longer than " + std::to_string(kMaxRowBytes) + " bytes";
     return Status::kFailed;
   }
-  if (!fieldOfColumn_.empty() && column + 1 < fieldOfColumn_.size()) {
+  if (!fieldOfColumn_.empty() && fields < fieldOfColumn_.size()) {
     *error = at(rowLine_) + ": expected " + std::to_string(fieldOfColumn_.size()) +
-             " fields as in the header, found " + std::to_string(column + 1);
+             " fields as in the header, found " + std::to_string(fields);
     return Status::kFailed;
   }
   in_->consume(static_cast<size_t>(p - in_->begin()));

@@ -38,6 +38,13 @@ class CsvScanReader {
   // Splits the next row of the buffer; onField(column, field) may stop it by returning false.
   template <typename OnField>
   Status splitRow(bool atEnd, OnField const& onField, std::string* error);
+  // Consumes empty lines; says whether a row starts in the buffer.
+  bool skipEmptyLines(bool atEnd);
+  // Each splits the field at *at and moves *at past it (kRow), or needs more text or fails.
+  Status splitQuoted(char const** at, bool atEnd, int* line, Field* field, std::string* error);
+  Status splitUnquoted(char const** at, Field* field, int line, std::string* error);
+  // Checks and consumes the row that ends at p (before its line end) with this many fields.
+  Status endRow(char const* p, size_t fields, int line, std::string* error);
   // Calls splitRow, reading more of the input until a whole row is there.
   template <typename OnField>
   Status nextRow(OnField const& onField, std::string* error);
