@@ -1,5 +1,6 @@
-// corvex: the command-line face of the library. Each subcommand lives in a class of its own
-// that adds itself to the command line and runs when chosen.
+// corvex: the command-line face of the library. `corvex locate FILE` locates every tag of a
+// file; `corvex explain FILE` writes an HTML report of one tag's call. Each subcommand lives in
+// a class of its own that adds itself to the command line and runs when chosen.
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
@@ -8,6 +9,7 @@
 
 #include "corvex/aggregate_location.h"
 #include "tools/exit_code.h"
+#include "tools/explain_command.h"
 #include "tools/locate_command.h"
 
 namespace {
@@ -33,6 +35,8 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "corvex " CORVEX_VERSION_STRING);
   app.require_subcommand(1);
   corvex_cli::LocateCommand locate(&app);
+  corvex_cli::ExplainCommand::Options explainOptions;
+  CLI::App* explain = corvex_cli::ExplainCommand::addTo(app, &explainOptions);
   if (!knownSubcommand(app, argc, argv)) {
     return corvex_cli::kExitBadCommand;
   }
@@ -44,6 +48,9 @@ int main(int argc, char** argv) {
   try {
     if (locate.selected()) {
       return locate.run();
+    }
+    if (*explain) {
+      return corvex_cli::ExplainCommand::run(explainOptions);
     }
   } catch (std::bad_alloc const&) {
     // Every record is kept until its tag is located for the last time.

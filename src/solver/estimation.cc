@@ -1,5 +1,6 @@
 #include "solver/estimation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -15,33 +16,60 @@ Estimation::Estimation(std::vector<double> const& value,
     : observationCount_(static_cast<int>(target.size())),
       point_(point),
       jacobian_(jacobian),
-      residuals_(subtract(target, value)),
-      weightsSqrt_(weightsSqrt) {}
+      weightsSqrt_(std::make_shared<std::vector<double> const>(weightsSqrt)) {
+  subtract(target, value, residuals_);
+}
 
 std::vector<double> Estimation::subtract(std::vector<double> const& a,
                                          std::vector<double> const& b) {
-  if (a.empty() || a.size() != b.size()) {
-    CorvexTagLogger::getInstance().error("checkVectorDimensions " + std::to_string(a.size()) + "," +
-                                         std::to_string(b.size()));
-    return {};
-  }
-  std::vector<double> difference(a.size());
-  for (size_t i = 0; i < a.size(); ++i) {
-    difference[i] = a[i] - b[i];
-  }
+  std::vector<double> difference;
+  subtract(a, b, difference);
   return difference;
 }
 
-std::vector<double> Estimation::getResiduals() const {
-  std::vector<double> weighted(residuals_.size());
-  for (size_t i = 0; i < residuals_.size(); ++i) {
-    weighted[i] = residuals_[i] * weightSqrt(i);
+void Estimation::subtract(std::vector<double> const& a, std::vector<double> const& b,
+                          std::vector<double>& difference) {
+  if (a.empty() || a.size() != b.size()) {
+    CorvexTagLogger::getInstance().error("checkVectorDimensions " + std::to_string(a.size()) + "," +
+                                         std::to_string(b.size()));
+    difference.clear();
+    return;
   }
+  difference.resize(a.size());
+  for (size_t i = 0; i < a.size(); ++i) {
+    difference[i] = a[i] - b[i];
+  }
+}
+
+void Estimation::assign(ValueAndJacobian& evaluation, std::vector<double> const& target,
+                        std::vector<double> const& point, Weights const& weightsSqrt) {
+  observationCount_ = static_cast<int>(target.size());
+  point_ = point;
+  std::swap(jacobian_, evaluation.jacobian());
+  subtract(target, evaluation.value(), residuals_);
+  weightsSqrt_ = weightsSqrt;
+}
+
+std::vector<double> Estimation::getResiduals() const {
+  std::vector<double> weighted;
+  weightedResiduals(weighted);
   return weighted;
 }
 
+void Estimation::weightedResiduals(std::vector<double>& weighted) const {
+  weighted.resize(residuals_.size());
+  size_t const withWeight =
+      weightsSqrt_ == nullptr ? 0 : std::min(residuals_.size(), weightsSqrt_->size());
+  for (size_t i = 0; i < withWeight; ++i) {
+    weighted[i] = residuals_[i] * (*weightsSqrt_)[i];
+  }
+  for (size_t i = withWeight; i < residuals_.size(); ++i) {
+    weighted[i] = residuals_[i] * weightSqrt(i);  // NaN
+  }
+}
+
 std::vector<std::vector<double>> Estimation::getJacobian() const {
-  std::vector<std::vector<double>> weighted = jacobian_;
+  std::vector<std::vector<double>> weighted = jacobian_.toRows();
   for (size_t i = 0; i < weighted.size(); ++i) {
     double const factor = weightSqrt(i);
     for (double& element : weighted[i]) {
@@ -49,6 +77,12 @@ std::vector<std::vector<double>> Estimation::getJacobian() const {
     }
   }
   return weighted;
+}
+
+double Estimation::weightSqrt(std::size_t i) const {
+  return weightsSqrt_ != nullptr && i < weightsSqrt_->size()
+             ? (*weightsSqrt_)[i]
+             : std::numeric_limits<double>::quiet_NaN();
 }
 
 double Estimation::getCost() const {
@@ -63,10 +97,6 @@ double Estimation::getCost() const {
 double Estimation::getRMS() const {
   double const cost = getCost();
   return std::sqrt(cost * cost / static_cast<double>(observationCount_));
-}
-
-double Estimation::weightSqrt(std::size_t i) const {
-  return i < weightsSqrt_.size() ? weightsSqrt_[i] : std::numeric_limits<double>::quiet_NaN();
 }
 
 }  // namespace Vantis::Location

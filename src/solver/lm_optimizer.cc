@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "interface/corvex_tag_logger.h"
 #include "solver/counter.h"
@@ -22,37 +23,36 @@ constexpr int kMaxParameterPasses = 11;
 
 void logError(std::string const& message) { CorvexTagLogger::getInstance().error(message); }
 
-// True when the weighted Jacobian and residuals have the sizes the problem announced; the
+using DataSet = LMOptimizer::DataSet;
+
+// True when the Jacobian and the weighted residuals have the sizes the problem announced; the
 // kernels index by those sizes.
-bool fitsProblem(std::vector<std::vector<double>> const& jacobian,
-                 std::vector<double> const& residuals, int nR, int nC) {
-  if (static_cast<int>(jacobian.size()) != nR || static_cast<int>(residuals.size()) != nR ||
+bool fitsProblem(Estimation const& estimation, std::vector<double> const& residuals, int nR,
+                 int nC) {
+  RowMatrix const& jacobian = estimation.jacobian();
+  if (static_cast<int>(jacobian.rows()) != nR || static_cast<int>(residuals.size()) != nR ||
       (nR == 0 && nC != 0)) {
     return false;
   }
-  return std::all_of(jacobian.begin(), jacobian.end(), [nC](std::vector<double> const& row) {
-    return static_cast<int>(row.size()) == nC;
-  });
+  return nR == 0 || (!jacobian.ragged() && static_cast<int>(jacobian.columns()) == nC);
 }
 
-using Matrix = std::vector<std::vector<double>>;
-
 // Gauss-Newton step: R x = qy by back substitution over the first rank columns.
-void gaussNewtonStep(Matrix const& factors, std::vector<int> const& permutation,
-                     std::vector<double> const& rDiagonal, int rank, std::vector<double> const& qy,
+void gaussNewtonStep(DataSet const& dataSet, std::vector<double> const& qy,
                      std::vector<double>& direction) {
+  std::vector<int> const& permutation = dataSet.permutation;
   int const nC = static_cast<int>(permutation.size());
-  for (int j = 0; j < rank; ++j) {
+  for (int j = 0; j < dataSet.rank; ++j) {
     direction[permutation[j]] = qy[j];
   }
-  for (int j = rank; j < nC; ++j) {
+  for (int j = dataSet.rank; j < nC; ++j) {
     direction[permutation[j]] = 0.0;
   }
-  for (int k = rank - 1; k >= 0; --k) {
+  for (int k = dataSet.rank - 1; k >= 0; --k) {
     int const pk = permutation[k];
-    double const y = direction[pk] / rDiagonal[pk];
+    double const y = direction[pk] / dataSet.rDiagonal[pk];
     for (int i = 0; i < k; ++i) {
-      direction[permutation[i]] -= y * factors[i][pk];
+      direction[permutation[i]] -= y * dataSet.factor(i, pk);
     }
     direction[pk] = y;
   }
@@ -60,10 +60,9 @@ void gaussNewtonStep(Matrix const& factors, std::vector<int> const& permutation,
 
 // Lower bound of the LM parameter from the Newton step at parameter 0; work1 holds the
 // scaled Gauss-Newton step on entry.
-double lowerBound(Matrix const& factors, std::vector<int> const& permutation,
-                  std::vector<double> const& rDiagonal, int solvedCols,
-                  std::vector<double> const& scale, double dxNorm, double fp, double delta,
-                  std::vector<double>& work1) {
+double lowerBound(DataSet const& dataSet, int solvedCols, std::vector<double> const& scale,
+                  double dxNorm, double fp, double delta, std::vector<double>& work1) {
+  std::vector<int> const& permutation = dataSet.permutation;
   for (int j = 0; j < solvedCols; ++j) {
     int const pj = permutation[j];
     work1[pj] = (work1[pj] / dxNorm) * scale[pj];
@@ -73,9 +72,9 @@ double lowerBound(Matrix const& factors, std::vector<int> const& permutation,
     int const pj = permutation[j];
     double sum = 0.0;
     for (int i = 0; i < j; ++i) {
-      sum += factors[i][pj] * work1[permutation[i]];
+      sum += dataSet.factor(i, pj) * work1[permutation[i]];
     }
-    double const s = (work1[pj] - sum) / rDiagonal[pj];
+    double const s = (work1[pj] - sum) / dataSet.rDiagonal[pj];
     work1[pj] = s;
     sum2 += s * s;
   }
@@ -83,14 +82,14 @@ double lowerBound(Matrix const& factors, std::vector<int> const& permutation,
 }
 
 // Norm of the scaled gradient, which bounds the LM parameter from above.
-double gradientNorm(Matrix const& factors, std::vector<int> const& permutation, int solvedCols,
-                    std::vector<double> const& qy, std::vector<double> const& scale) {
+double gradientNorm(DataSet const& dataSet, int solvedCols, std::vector<double> const& qy,
+                    std::vector<double> const& scale) {
   double sum2 = 0.0;
   for (int j = 0; j < solvedCols; ++j) {
-    int const pj = permutation[j];
+    int const pj = dataSet.permutation[j];
     double sum = 0.0;
     for (int i = 0; i <= j; ++i) {
-      sum += factors[i][pj] * qy[i];
+      sum += dataSet.factor(i, pj) * qy[i];
     }
     sum /= scale[pj];
     sum2 += sum * sum;
@@ -100,10 +99,10 @@ double gradientNorm(Matrix const& factors, std::vector<int> const& permutation, 
 
 // Newton correction of the LM parameter. Uses the factor matrix as factorised (Householder
 // entries below the diagonal), not the triangle rotated by the direction solve.
-double newtonCorrection(Matrix const& factors, std::vector<int> const& permutation, int solvedCols,
-                        std::vector<double> const& scale, double dxNorm, double fp, double delta,
-                        std::vector<double> const& lmDiag,
+double newtonCorrection(DataSet const& dataSet, int solvedCols, std::vector<double> const& scale,
+                        double dxNorm, double fp, double delta, std::vector<double> const& lmDiag,
                         std::vector<double> const& scaledDirection, std::vector<double>& work1) {
+  std::vector<int> const& permutation = dataSet.permutation;
   for (int j = 0; j < solvedCols; ++j) {
     int const pj = permutation[j];
     work1[pj] = scaledDirection[pj] * scale[pj] / dxNorm;
@@ -113,7 +112,7 @@ double newtonCorrection(Matrix const& factors, std::vector<int> const& permutati
     work1[pj] /= lmDiag[j];
     double const t = work1[pj];
     for (int i = j + 1; i < solvedCols; ++i) {
-      work1[permutation[i]] -= factors[i][pj] * t;
+      work1[permutation[i]] -= dataSet.factor(i, pj) * t;
     }
   }
   double sum2 = 0.0;
@@ -124,17 +123,24 @@ double newtonCorrection(Matrix const& factors, std::vector<int> const& permutati
   return fp / (delta * sum2);
 }
 
+// Entry (row, column) of the leading solvedCols x solvedCols block of the factors in pivoted
+// column order, kept column after column: it belongs to row `row` and Jacobian column
+// p_column.
+double& cell(std::vector<double>& triangle, int solvedCols, int row, int column) {
+  return triangle[static_cast<std::size_t>(column) * static_cast<std::size_t>(solvedCols) +
+                  static_cast<std::size_t>(row)];
+}
+
 // Eliminates the diagonal row diag[p_j] from the triangle by Givens rotations, carrying the
 // right-hand side work along.
-void rotateDiagonalRow(Matrix& factors, std::vector<int> const& permutation, int solvedCols, int j,
+void rotateDiagonalRow(std::vector<double>& triangle, int solvedCols, int j,
                        std::vector<double>& lmDiag, std::vector<double>& work) {
   double q = 0.0;
   for (int k = j; k < solvedCols; ++k) {
     if (lmDiag[k] == 0.0) {
       continue;
     }
-    int const pk = permutation[k];
-    double const r = factors[k][pk];
+    double const r = cell(triangle, solvedCols, k, k);
     double sin = 0.0;
     double cos = 0.0;
     if (std::fabs(r) < std::fabs(lmDiag[k])) {
@@ -146,13 +152,13 @@ void rotateDiagonalRow(Matrix& factors, std::vector<int> const& permutation, int
       cos = 1.0 / std::sqrt(1.0 + tan * tan);
       sin = cos * tan;
     }
-    factors[k][pk] = cos * r + sin * lmDiag[k];
+    cell(triangle, solvedCols, k, k) = cos * r + sin * lmDiag[k];
     double const t = cos * work[k] + sin * q;
     q = -sin * work[k] + cos * q;
     work[k] = t;
     for (int i = k + 1; i < solvedCols; ++i) {
-      double const u = factors[i][pk];
-      factors[i][pk] = cos * u + sin * lmDiag[i];
+      double const u = cell(triangle, solvedCols, i, k);
+      cell(triangle, solvedCols, i, k) = cos * u + sin * lmDiag[i];
       lmDiag[i] = -sin * u + cos * lmDiag[i];
     }
   }
@@ -160,9 +166,8 @@ void rotateDiagonalRow(Matrix& factors, std::vector<int> const& permutation, int
 
 // Solves the rotated triangle for work; a singular triangle gets a least-squares solution
 // with the trailing components zeroed.
-void solveRotatedTriangle(Matrix const& factors, std::vector<int> const& permutation,
-                          int solvedCols, std::vector<double> const& lmDiag,
-                          std::vector<double>& work) {
+void solveRotatedTriangle(std::vector<double>& triangle, int solvedCols,
+                          std::vector<double> const& lmDiag, std::vector<double>& work) {
   int nSing = solvedCols;
   for (int j = 0; j < solvedCols; ++j) {
     if (lmDiag[j] == 0.0 && nSing == solvedCols) {
@@ -173,10 +178,9 @@ void solveRotatedTriangle(Matrix const& factors, std::vector<int> const& permuta
     }
   }
   for (int j = nSing - 1; j >= 0; --j) {
-    int const pj = permutation[j];
     double sum = 0.0;
     for (int i = j + 1; i < nSing; ++i) {
-      sum += factors[i][pj] * work[i];
+      sum += cell(triangle, solvedCols, i, j) * work[i];
     }
     work[j] = (work[j] - sum) / lmDiag[j];
   }
@@ -184,7 +188,8 @@ void solveRotatedTriangle(Matrix const& factors, std::vector<int> const& permuta
 
 }  // namespace
 
-// Working state of one optimize call.
+// Working state of one optimize call. The estimation at the current point and the one at the
+// trial point swap places instead of being copied, and every buffer lives for the whole call.
 struct LMOptimizer::Run {
   explicit Run(LSProblem& problem)
       : problem(problem),
@@ -193,35 +198,51 @@ struct LMOptimizer::Run {
         solvedCols(nR <= nC ? nR : nC),
         iterationCounter(problem.getMaxIterations()),
         evaluationCounter(problem.getMaxEvaluations()),
-        current(start(problem, evaluationCounter)),
-        residuals(current.getResiduals()),
-        cost(current.getCost()),
-        point(current.getPoint()),
         qtf(nR),
         scale(nC),
         oldPoint(nC),
         work1(nC),
         work2(nC),
         work3(nC),
-        direction(nC) {}
-
-  // Counts and performs the start evaluation.
-  static Estimation start(LSProblem& problem, Counter& evaluationCounter) {
-    evaluationCounter.countPlus();
-    Estimation estimation = problem.evaluate(problem.getStart());
+        direction(nC) {
+    evaluationCounter.countPlus();  // the start evaluation
+    problem.evaluate(problem.getStart(), current);
     problem.getConstrictionInspector();
-    return estimation;
+    takeCurrent();
   }
 
-  void take(Estimation const& estimation) {
-    current = estimation;
-    residuals = current.getResiduals();
-    cost = current.getCost();
-    point = current.getPoint();
+  void takeCurrent() {
+    current.weightedResiduals(residuals);
+    // current.getCost(), from the same weighted residuals in the same order.
+    double sum = 0.0;
+    for (double const weighted : residuals) {
+      sum += weighted * weighted;
+    }
+    cost = std::sqrt(sum);
+    point = current.point();
   }
 
-  OptimizerResult result() const {
-    return OptimizerResult(current, evaluationCounter.getCount(), iterationCounter.getCount());
+  // Makes the trial the current estimation; the previous one and its residuals are kept.
+  void takeTrial() {
+    std::swap(current, trial);
+    std::swap(residuals, savedResiduals);
+    takeCurrent();
+  }
+
+  // Back to the estimation before the trial.
+  void restorePrevious(double previousCost, std::vector<int> const& permutation) {
+    cost = previousCost;
+    for (int j = 0; j < solvedCols; ++j) {
+      point[permutation[j]] = oldPoint[permutation[j]];
+    }
+    std::swap(residuals, savedResiduals);
+    std::swap(current, trial);
+  }
+
+  // The result; the run ends with it.
+  OptimizerResult finish() {
+    return OptimizerResult(std::move(current), evaluationCounter.getCount(),
+                           iterationCounter.getCount());
   }
 
   LSProblem& problem;
@@ -231,35 +252,40 @@ struct LMOptimizer::Run {
   Counter iterationCounter;
   Counter evaluationCounter;
   Estimation current;
-  std::vector<double> residuals;  // current's weighted residuals
-  double cost;                    // current's cost
-  std::vector<double> point;      // current's point
-  std::vector<double> qtf;        // residuals multiplied by the transpose of Q
-  std::vector<double> scale;      // column scaling, the diagonal D of the method
+  Estimation trial;                    // after a trial: the estimation before it
+  std::vector<double> residuals;       // current's weighted residuals
+  std::vector<double> savedResiduals;  // after a trial: the residuals before it
+  double cost = 0.0;                   // current's cost
+  std::vector<double> point;           // current's point, then the trial point
+  DataSet dataSet;                     // factorisation of current's weighted Jacobian
+  std::vector<double> qtf;             // residuals multiplied by the transpose of Q
+  std::vector<double> scale;           // column scaling, the diagonal D of the method
   std::vector<double> oldPoint;
   std::vector<double> work1;
   std::vector<double> work2;
   std::vector<double> work3;
   std::vector<double> direction;
-  double delta = 0.0;   // step bound
-  double lambda = 0.0;  // LM parameter
-  double xNorm = 0.0;   // norm of the scaled point
+  std::vector<double> triangle;  // scratch of the direction solve
+  double delta = 0.0;            // step bound
+  double lambda = 0.0;           // LM parameter
+  double xNorm = 0.0;            // norm of the scaled point
   double maxCosine = 0.0;
   double ratio = 0.0;  // actual over predicted reduction of the last trial
   bool firstIteration = true;
 };
 
-LMOptimizer::DataSet::DataSet(std::vector<std::vector<double>> const& factors,
-                              std::vector<int> const& permutation, int rank,
-                              std::vector<double> const& rDiagonal,
-                              std::vector<double> const& columnNorms,
-                              std::vector<double> const& householderScales)
-    : factors(factors),
-      permutation(permutation),
-      rank(rank),
-      rDiagonal(rDiagonal),
-      columnNorms(columnNorms),
-      householderScales(householderScales) {}
+void LMOptimizer::DataSet::reset(int rowCount, int columnCount) {
+  rows = rowCount;
+  factors.resize(static_cast<std::size_t>(rowCount) * static_cast<std::size_t>(columnCount));
+  permutation.resize(static_cast<std::size_t>(columnCount));
+  for (int k = 0; k < columnCount; ++k) {
+    permutation[k] = k;
+  }
+  rank = 0;
+  rDiagonal.assign(permutation.size(), 0.0);
+  columnNorms.assign(permutation.size(), 0.0);
+  householderScales.assign(permutation.size(), 0.0);
+}
 
 LMOptimizer::LMOptimizer()
     : LMOptimizer(kDefaultInitialStepBound, kDefaultTolerance, kDefaultTolerance, kDefaultTolerance,
@@ -275,25 +301,24 @@ LMOptimizer::LMOptimizer(double initialStepBound, double costTolerance, double p
 
 OptimizerResult LMOptimizer::optimize(LSProblem& problem) const {
   Run run(problem);
+  DataSet& dataSet = run.dataSet;
   while (true) {
     if (run.iterationCounter.countPlus()) {
       logError("Iteration counter exceeded the maximum value. return.");
-      return run.result();
+      return run.finish();
     }
-    Estimation const previous = run.current;
-    std::vector<std::vector<double>> const jacobian = run.current.getJacobian();
-    if (!fitsProblem(jacobian, run.residuals, run.nR, run.nC)) {
+    if (!fitsProblem(run.current, run.residuals, run.nR, run.nC)) {
       logError("optimize estimation size does not match the problem " + std::to_string(run.nR) +
                ", " + std::to_string(run.nC));
-      return run.result();
+      return run.finish();
     }
-    DataSet dataSet = qrDecomposition(jacobian, run.solvedCols);
+    qrDecomposition(run.current, run.solvedCols, dataSet);
     run.qtf = run.residuals;
     qtMultiplyY(run.qtf, dataSet);
     // The factorisation left the reflection vectors on the diagonal; put R's diagonal back.
     for (int k = 0; k < run.solvedCols; ++k) {
       int const pk = dataSet.permutation[k];
-      dataSet.factors[k][pk] = dataSet.rDiagonal[pk];
+      dataSet.factor(k, pk) = dataSet.rDiagonal[pk];
     }
     if (run.firstIteration) {
       run.xNorm = getFirstXNorm(run.nC, run.scale, run.point, dataSet.columnNorms);
@@ -301,36 +326,34 @@ OptimizerResult LMOptimizer::optimize(LSProblem& problem) const {
     }
     run.maxCosine = 0.0;
     if (run.solvedCols > 0 && run.cost != 0.0) {
-      run.maxCosine = getMaxCosine(run.solvedCols, run.qtf, run.cost, dataSet.factors,
-                                   dataSet.permutation, dataSet.columnNorms);
+      run.maxCosine = getMaxCosine(run.solvedCols, run.qtf, run.cost, dataSet);
     }
     if (run.maxCosine <= orthogonalityTolerance_) {
-      return run.result();
+      return run.finish();
     }
     for (int j = 0; j < run.nC; ++j) {
       run.scale[j] = std::max(run.scale[j], dataSet.columnNorms[j]);
     }
     run.ratio = 0.0;
     while (run.ratio < kMinAcceptedRatio) {
-      if (runTrial(run, dataSet, previous)) {
-        return run.result();
+      if (runTrial(run)) {
+        return run.finish();
       }
     }
   }
 }
 
 // One trial step of the inner loop; true when the run ends with it.
-bool LMOptimizer::runTrial(Run& run, DataSet const& dataSet, Estimation const& previous) const {
-  std::vector<int> const& permutation = dataSet.permutation;
+bool LMOptimizer::runTrial(Run& run) const {
+  std::vector<int> const& permutation = run.dataSet.permutation;
   for (int j = 0; j < run.solvedCols; ++j) {
     run.oldPoint[permutation[j]] = run.point[permutation[j]];
   }
   double const previousCost = run.cost;
-  std::vector<double> const savedResiduals = run.residuals;
 
-  run.lambda =
-      getLevenbergMarquardtParameter(run.qtf, run.delta, run.scale, dataSet, run.solvedCols,
-                                     run.work1, run.work2, run.work3, run.direction, run.lambda);
+  run.lambda = getLevenbergMarquardtParameter(run.qtf, run.delta, run.scale, run.dataSet,
+                                              run.solvedCols, run.work1, run.work2, run.work3,
+                                              run.direction, run.lambda, run.triangle);
   double stepNorm = 0.0;
   for (int j = 0; j < run.solvedCols; ++j) {
     int const pj = permutation[j];
@@ -344,7 +367,8 @@ bool LMOptimizer::runTrial(Run& run, DataSet const& dataSet, Estimation const& p
     run.delta = stepNorm;
   }
 
-  run.take(run.problem.evaluate(run.point));
+  run.problem.evaluate(run.point, run.trial);
+  run.takeTrial();
   // Consulted after the evaluation: the evaluation beyond the limit is the one returned.
   if (run.evaluationCounter.countPlus()) {
     logError("Evaluation counter exceeded the maximum value. return.");
@@ -357,7 +381,7 @@ bool LMOptimizer::runTrial(Run& run, DataSet const& dataSet, Estimation const& p
     actRed = 1.0 - r * r;
   }
   double const pc2 = previousCost * previousCost;
-  double const coeff1 = squaredRStep(run, dataSet) / pc2;
+  double const coeff1 = squaredRStep(run) / pc2;
   double const coeff2 = run.lambda * stepNorm * stepNorm / pc2;
   double const preRed = coeff1 + 2.0 * coeff2;
   double const dirDer = -(coeff1 + coeff2);
@@ -373,12 +397,7 @@ bool LMOptimizer::runTrial(Run& run, DataSet const& dataSet, Estimation const& p
     }
     run.xNorm = std::sqrt(sum);
   } else {
-    run.cost = previousCost;
-    for (int j = 0; j < run.solvedCols; ++j) {
-      run.point[permutation[j]] = run.oldPoint[permutation[j]];
-    }
-    run.residuals = savedResiduals;
-    run.current = previous;
+    run.restorePrevious(previousCost, permutation);
   }
 
   if ((std::fabs(actRed) <= costTolerance_ && preRed <= costTolerance_ && run.ratio <= 2.0) ||
@@ -390,13 +409,14 @@ bool LMOptimizer::runTrial(Run& run, DataSet const& dataSet, Estimation const& p
 
 // Squared norm of R times the step, left in work1: the Gauss-Newton part of the predicted
 // reduction.
-double LMOptimizer::squaredRStep(Run& run, DataSet const& dataSet) {
+double LMOptimizer::squaredRStep(Run& run) {
+  DataSet const& dataSet = run.dataSet;
   for (int j = 0; j < run.solvedCols; ++j) {
     int const pj = dataSet.permutation[j];
     double const dirJ = run.direction[pj];
     run.work1[j] = 0.0;
     for (int i = 0; i <= j; ++i) {
-      run.work1[i] += dataSet.factors[i][pj] * dirJ;
+      run.work1[i] += dataSet.factor(i, pj) * dirJ;
     }
   }
   double sum = 0.0;
@@ -437,53 +457,50 @@ bool LMOptimizer::toleranceTooSmall(Run const& run, double actRed, double preRed
   return true;
 }
 
-LMOptimizer::DataSet LMOptimizer::qrDecomposition(std::vector<std::vector<double>> const& jacobian,
-                                                  int solvedCols) const {
-  int const nR = static_cast<int>(jacobian.size());
-  int const nC = nR > 0 ? static_cast<int>(jacobian[0].size()) : 0;
+void LMOptimizer::qrDecomposition(Estimation const& estimation, int solvedCols,
+                                  DataSet& dataSet) const {
+  RowMatrix const& jacobian = estimation.jacobian();
+  int const nR = static_cast<int>(jacobian.rows());
+  int const nC = nR > 0 ? static_cast<int>(jacobian.columns()) : 0;
+  dataSet.reset(nR, nC);
+  auto const column = [&dataSet, nR](int c) {
+    return dataSet.factors.data() + static_cast<std::size_t>(c) * static_cast<std::size_t>(nR);
+  };
   // The residuals are target minus value; the method wants the Jacobian of their negative.
-  Matrix factors(nR, std::vector<double>(nC, 0.0));
   for (int i = 0; i < nR; ++i) {
-    int const columns = std::min(nC, static_cast<int>(jacobian[i].size()));
-    for (int j = 0; j < columns; ++j) {
-      factors[i][j] = -jacobian[i][j];
+    double const weight = estimation.weightSqrt(static_cast<std::size_t>(i));
+    for (int j = 0; j < nC; ++j) {
+      column(j)[i] = -(jacobian(static_cast<std::size_t>(i), static_cast<std::size_t>(j)) * weight);
     }
   }
-  std::vector<int> permutation(nC);
+  std::vector<int>& permutation = dataSet.permutation;
   for (int k = 0; k < nC; ++k) {
-    permutation[k] = k;
-  }
-  std::vector<double> rDiagonal(nC, 0.0);
-  std::vector<double> columnNorms(nC, 0.0);
-  std::vector<double> householderScales(nC, 0.0);
-  for (int k = 0; k < nC; ++k) {
+    double const* const a = column(k);
     double norm2 = 0.0;
     for (int i = 0; i < nR; ++i) {
-      double const a = factors[i][k];
-      norm2 += a * a;
+      norm2 += a[i] * a[i];
     }
-    columnNorms[k] = std::sqrt(norm2);
+    dataSet.columnNorms[k] = std::sqrt(norm2);
   }
 
-  auto const partial = [&](int rank) {
-    return DataSet(factors, permutation, rank, rDiagonal, columnNorms, householderScales);
-  };
   for (int k = 0; k < nC; ++k) {
     if (k >= nR) {
       // No rows left to reflect; only reachable with a non-positive ranking threshold.
-      return partial(k);
+      dataSet.rank = k;
+      return;
     }
     int nextColumn = k;
     double best = -std::numeric_limits<double>::infinity();
     for (int i = k; i < nC; ++i) {
+      double const* const a = column(permutation[i]);
       double norm2 = 0.0;
       for (int j = k; j < nR; ++j) {
-        double const a = factors[j][permutation[i]];
-        norm2 += a * a;
+        norm2 += a[j] * a[j];
       }
       if (std::isinf(norm2) || std::isnan(norm2)) {
         logError("optimize " + std::to_string(nR) + ", " + std::to_string(nC));
-        return partial(k);
+        dataSet.rank = k;
+        return;
       }
       if (norm2 > best) {
         best = norm2;
@@ -491,44 +508,48 @@ LMOptimizer::DataSet LMOptimizer::qrDecomposition(std::vector<std::vector<double
       }
     }
     if (best <= rankingThreshold_) {
-      return partial(k);
+      dataSet.rank = k;
+      return;
     }
     std::swap(permutation[nextColumn], permutation[k]);
     int const pk = permutation[k];
-    double const akk = factors[k][pk];
+    double* const v = column(pk);
+    double const akk = v[k];
     double const alpha = akk > 0.0 ? -std::sqrt(best) : std::sqrt(best);
     double const betak = 1.0 / (best - akk * alpha);
-    householderScales[pk] = betak;
-    rDiagonal[pk] = alpha;
-    factors[k][pk] = akk - alpha;
+    dataSet.householderScales[pk] = betak;
+    dataSet.rDiagonal[pk] = alpha;
+    v[k] = akk - alpha;
     for (int i = k + 1; i < nC; ++i) {
-      int const c = permutation[i];
+      double* const c = column(permutation[i]);
       double sum = 0.0;
       for (int j = k; j < nR; ++j) {
-        sum += factors[j][pk] * factors[j][c];
+        sum += v[j] * c[j];
       }
       double const gamma = betak * sum;
       for (int j = k; j < nR; ++j) {
-        factors[j][c] -= gamma * factors[j][pk];
+        c[j] -= gamma * v[j];
       }
     }
   }
-  return partial(solvedCols);
+  dataSet.rank = solvedCols;
 }
 
 std::vector<double>& LMOptimizer::qtMultiplyY(std::vector<double>& y,
                                               DataSet const& dataSet) const {
-  int const nR = static_cast<int>(dataSet.factors.size());
+  int const nR = dataSet.rows;
   int const nC = static_cast<int>(dataSet.permutation.size());
   for (int k = 0; k < nC && k < nR; ++k) {
     int const pk = dataSet.permutation[k];
+    double const* const v =
+        dataSet.factors.data() + static_cast<std::size_t>(pk) * static_cast<std::size_t>(nR);
     double sum = 0.0;
     for (int i = k; i < nR; ++i) {
-      sum += dataSet.factors[i][pk] * y[i];
+      sum += v[i] * y[i];
     }
     double const gamma = dataSet.householderScales[pk] * sum;
     for (int i = k; i < nR; ++i) {
-      y[i] -= gamma * dataSet.factors[i][pk];
+      y[i] -= gamma * v[i];
     }
   }
   return y;
@@ -537,25 +558,20 @@ std::vector<double>& LMOptimizer::qtMultiplyY(std::vector<double>& y,
 double LMOptimizer::getLevenbergMarquardtParameter(
     std::vector<double> const& qy, double delta, std::vector<double> const& scale,
     DataSet const& dataSet, int solvedCols, std::vector<double>& work1, std::vector<double>& work2,
-    std::vector<double>& work3, std::vector<double>& direction, double lambda) const {
-  // The factor matrix is only read here (the direction solve rotates its own copy), so it is
-  // not copied; the short vectors are, in case a caller hands one in as a work vector too.
-  Matrix const& factors = dataSet.factors;
-  std::vector<int> const permutation = dataSet.permutation;
-  std::vector<double> const rDiagonal = dataSet.rDiagonal;
-  int const rank = dataSet.rank;
-
-  gaussNewtonStep(factors, permutation, rDiagonal, rank, qy, direction);
+    std::vector<double>& work3, std::vector<double>& direction, double lambda,
+    std::vector<double>& triangle) const {
+  std::vector<int> const& permutation = dataSet.permutation;
+  gaussNewtonStep(dataSet, qy, direction);
   double dxNorm = getDxNorm(scale, solvedCols, work1, direction, permutation);
   double fp = dxNorm - delta;
   if (fp <= 0.1 * delta) {
     return 0.0;  // the Gauss-Newton step fits into the bound
   }
   double parl = 0.0;
-  if (rank == solvedCols) {
-    parl = lowerBound(factors, permutation, rDiagonal, solvedCols, scale, dxNorm, fp, delta, work1);
+  if (dataSet.rank == solvedCols) {
+    parl = lowerBound(dataSet, solvedCols, scale, dxNorm, fp, delta, work1);
   }
-  double const gNorm = gradientNorm(factors, permutation, solvedCols, qy, scale);
+  double const gNorm = gradientNorm(dataSet, solvedCols, qy, scale);
   double paru = gNorm / delta;
   if (paru == 0.0) {
     paru = kSafeMin / std::min(delta, 0.1);
@@ -572,15 +588,16 @@ double LMOptimizer::getLevenbergMarquardtParameter(
     for (int j = 0; j < solvedCols; ++j) {
       work1[permutation[j]] = sqrtLambda * scale[permutation[j]];
     }
-    getLevenbergMarquardtDirection(qy, work1, work2, dataSet, solvedCols, work3, direction);
+    getLevenbergMarquardtDirection(qy, work1, work2, dataSet, solvedCols, work3, direction,
+                                   triangle);
     dxNorm = getDxNorm(scale, solvedCols, work3, direction, permutation);
     double const previousFp = fp;
     fp = dxNorm - delta;
     if (std::fabs(fp) <= 0.1 * delta || (parl == 0.0 && fp <= previousFp && previousFp < 0.0)) {
       return lambda;
     }
-    double const correction = newtonCorrection(factors, permutation, solvedCols, scale, dxNorm, fp,
-                                               delta, work2, work3, work1);
+    double const correction =
+        newtonCorrection(dataSet, solvedCols, scale, dxNorm, fp, delta, work2, work3, work1);
     if (fp > 0.0) {
       parl = std::max(parl, lambda);
     } else if (fp < 0.0) {
@@ -591,41 +608,37 @@ double LMOptimizer::getLevenbergMarquardtParameter(
   return lambda;
 }
 
-void LMOptimizer::getLevenbergMarquardtDirection(std::vector<double> const& qy,
-                                                 std::vector<double> const& diag,
-                                                 std::vector<double>& lmDiag,
-                                                 DataSet const& dataSet, int solvedCols,
-                                                 std::vector<double>& work,
-                                                 std::vector<double>& direction) const {
-  // Private copy: the rotated triangle built here must not reach the caller. Only the leading
-  // solvedCols rows are ever read, so the rest of a tall matrix is not copied.
-  auto const leadingRows = static_cast<Matrix::difference_type>(
-      std::min(static_cast<std::size_t>(std::max(solvedCols, 0)), dataSet.factors.size()));
-  Matrix factors(dataSet.factors.begin(), dataSet.factors.begin() + leadingRows);
-  std::vector<int> const permutation = dataSet.permutation;
-  std::vector<double> const rDiagonal = dataSet.rDiagonal;
-
-  // Mirror R's strict upper triangle below the diagonal; direction keeps R's diagonal.
+void LMOptimizer::getLevenbergMarquardtDirection(
+    std::vector<double> const& qy, std::vector<double> const& diag, std::vector<double>& lmDiag,
+    DataSet const& dataSet, int solvedCols, std::vector<double>& work,
+    std::vector<double>& direction, std::vector<double>& triangle) const {
+  std::vector<int> const& permutation = dataSet.permutation;
+  // The rotated triangle built here must not reach the data set: R's upper triangle is copied
+  // and mirrored below the diagonal; direction keeps R's diagonal.
+  triangle.resize(static_cast<std::size_t>(solvedCols) * static_cast<std::size_t>(solvedCols));
   for (int j = 0; j < solvedCols; ++j) {
-    int const pj = permutation[j];
-    for (int i = j + 1; i < solvedCols; ++i) {
-      factors[i][pj] = factors[j][permutation[i]];
+    for (int i = 0; i <= j; ++i) {
+      cell(triangle, solvedCols, i, j) = dataSet.factor(i, permutation[j]);
     }
-    direction[j] = rDiagonal[pj];
+  }
+  for (int j = 0; j < solvedCols; ++j) {
+    for (int i = j + 1; i < solvedCols; ++i) {
+      cell(triangle, solvedCols, i, j) = cell(triangle, solvedCols, j, i);
+    }
+    direction[j] = dataSet.rDiagonal[permutation[j]];
     work[j] = qy[j];
   }
   for (int j = 0; j < solvedCols; ++j) {
-    int const pj = permutation[j];
-    double const d = diag[pj];
+    double const d = diag[permutation[j]];
     if (d != 0.0) {
       std::fill(lmDiag.begin() + j + 1, lmDiag.end(), 0.0);
     }
     lmDiag[j] = d;
-    rotateDiagonalRow(factors, permutation, solvedCols, j, lmDiag, work);
-    lmDiag[j] = factors[j][pj];
-    factors[j][pj] = direction[j];
+    rotateDiagonalRow(triangle, solvedCols, j, lmDiag, work);
+    lmDiag[j] = cell(triangle, solvedCols, j, j);
+    cell(triangle, solvedCols, j, j) = direction[j];
   }
-  solveRotatedTriangle(factors, permutation, solvedCols, lmDiag, work);
+  solveRotatedTriangle(triangle, solvedCols, lmDiag, work);
   for (size_t j = 0; j < direction.size(); ++j) {
     direction[permutation[j]] = work[j];
   }
@@ -644,17 +657,15 @@ double LMOptimizer::getFirstXNorm(int n, std::vector<double>& scale,
 }
 
 double LMOptimizer::getMaxCosine(int solvedCols, std::vector<double> const& qtf, double cost,
-                                 std::vector<std::vector<double>> const& factors,
-                                 std::vector<int> const& permutation,
-                                 std::vector<double> const& columnNorms) const {
+                                 DataSet const& dataSet) const {
   double maxCosine = 0.0;
   for (int j = 0; j < solvedCols; ++j) {
-    int const pj = permutation[j];
-    double const norm = columnNorms[pj];
+    int const pj = dataSet.permutation[j];
+    double const norm = dataSet.columnNorms[pj];
     if (norm != 0.0) {
       double sum = 0.0;
       for (int i = 0; i <= j; ++i) {
-        sum += factors[i][pj] * qtf[i];
+        sum += dataSet.factor(i, pj) * qtf[i];
       }
       maxCosine = std::max(maxCosine, std::fabs(sum) / (norm * cost));
     }

@@ -1,6 +1,7 @@
 #ifndef CORVEX_SOLVER_LM_OPTIMIZER_H_
 #define CORVEX_SOLVER_LM_OPTIMIZER_H_
 
+#include <cstddef>
 #include <vector>
 
 #include "solver/estimation.h"
@@ -17,16 +18,26 @@ namespace Vantis::Location {
 // object may run any number of problems.
 class LMOptimizer {
  public:
-  // Result of the pivoted QR factorisation of a Jacobian with nR rows and nC columns.
+  // Result of the pivoted QR factorisation of a Jacobian with nR rows and nC columns; reused
+  // from iteration to iteration.
   struct DataSet {
-    DataSet(std::vector<std::vector<double>> const& factors, std::vector<int> const& permutation,
-            int rank, std::vector<double> const& rDiagonal, std::vector<double> const& columnNorms,
-            std::vector<double> const& householderScales);
+    // Sizes every member for an nR x nC Jacobian, keeping the storage.
+    void reset(int rows, int columns);
+    double& factor(int row, int column) {
+      return factors[static_cast<std::size_t>(column) * static_cast<std::size_t>(rows) +
+                     static_cast<std::size_t>(row)];
+    }
+    double factor(int row, int column) const {
+      return factors[static_cast<std::size_t>(column) * static_cast<std::size_t>(rows) +
+                     static_cast<std::size_t>(row)];
+    }
 
-    // nR x nC; on and below row k of column p[k] the k-th Householder vector, above it R.
-    std::vector<std::vector<double>> factors;
+    // nR x nC, column after column; on and below row k of column p[k] the k-th Householder
+    // vector, above it R.
+    std::vector<double> factors;
+    int rows = 0;
     std::vector<int> permutation;           // column k of R is Jacobian column permutation[k]
-    int rank;                               // number of columns factorised
+    int rank = 0;                           // number of columns factorised
     std::vector<double> rDiagonal;          // diagonal of R, by Jacobian column
     std::vector<double> columnNorms;        // norm of each Jacobian column
     std::vector<double> householderScales;  // by Jacobian column; 0 where never factorised
@@ -46,31 +57,33 @@ class LMOptimizer {
   virtual OptimizerResult optimize(LSProblem& problem) const;
   virtual ~LMOptimizer() = default;
 
-  // Householder QR with column pivoting of the negated Jacobian.
-  DataSet qrDecomposition(std::vector<std::vector<double>> const& jacobian, int solvedCols) const;
+  // Householder QR with column pivoting of the negated weighted Jacobian of the estimation,
+  // into dataSet.
+  void qrDecomposition(Estimation const& estimation, int solvedCols, DataSet& dataSet) const;
   // y (one entry per row) multiplied in place by the transpose of Q; returns y.
   std::vector<double>& qtMultiplyY(std::vector<double>& y, DataSet const& dataSet) const;
   // The LM parameter whose step, left in direction, has scaled length close to delta.
+  // triangle is scratch for the direction solve.
   double getLevenbergMarquardtParameter(std::vector<double> const& qy, double delta,
                                         std::vector<double> const& scale, DataSet const& dataSet,
                                         int solvedCols, std::vector<double>& work1,
                                         std::vector<double>& work2, std::vector<double>& work3,
-                                        std::vector<double>& direction, double lambda) const;
-  // Solves the system damped by the diagonal diag for direction; fills lmDiag and work.
+                                        std::vector<double>& direction, double lambda,
+                                        std::vector<double>& triangle) const;
+  // Solves the system damped by the diagonal diag for direction; fills lmDiag and work. The
+  // rotated triangle is built in `triangle` (solvedCols x solvedCols), the data set stays.
   void getLevenbergMarquardtDirection(std::vector<double> const& qy,
                                       std::vector<double> const& diag, std::vector<double>& lmDiag,
                                       DataSet const& dataSet, int solvedCols,
-                                      std::vector<double>& work,
-                                      std::vector<double>& direction) const;
+                                      std::vector<double>& work, std::vector<double>& direction,
+                                      std::vector<double>& triangle) const;
 
   // Sets scale to the column norms (1.0 for a zero norm); returns the norm of the scaled point.
   double getFirstXNorm(int n, std::vector<double>& scale, std::vector<double> const& point,
                        std::vector<double> const& columnNorms) const;
   // Largest cosine between the residuals and a Jacobian column.
   double getMaxCosine(int solvedCols, std::vector<double> const& qtf, double cost,
-                      std::vector<std::vector<double>> const& factors,
-                      std::vector<int> const& permutation,
-                      std::vector<double> const& columnNorms) const;
+                      DataSet const& dataSet) const;
   // Norm of the scaled direction; the scaled components are left in work.
   double getDxNorm(std::vector<double> const& scale, int solvedCols, std::vector<double>& work,
                    std::vector<double> const& direction, std::vector<int> const& permutation) const;
@@ -78,8 +91,8 @@ class LMOptimizer {
  private:
   struct Run;
 
-  bool runTrial(Run& run, DataSet const& dataSet, Estimation const& previous) const;
-  static double squaredRStep(Run& run, DataSet const& dataSet);
+  bool runTrial(Run& run) const;
+  static double squaredRStep(Run& run);
   static void updateStepBound(Run& run, double actRed, double dirDer, double previousCost,
                               double stepNorm);
   bool toleranceTooSmall(Run const& run, double actRed, double preRed) const;

@@ -10,7 +10,10 @@ LSProblem::LSProblem(std::shared_ptr<ValueAndJacobianFunction> const& model,
                      std::vector<double> const& target, std::vector<double> const& start,
                      std::vector<double> const& weights,
                      ConstrictionInspector<Estimation> const& /*inspector*/)
-    : weightsSqrt_(arraySqrt(weights)), target_(target), model_(model), start_(start) {
+    : weightsSqrt_(std::make_shared<std::vector<double> const>(arraySqrt(weights))),
+      target_(target),
+      model_(model),
+      start_(start) {
   if (!model_) {
     CorvexTagLogger::getInstance().error("LocalLeastSquaresProblem input error");
   }
@@ -25,13 +28,21 @@ std::vector<double> LSProblem::arraySqrt(std::vector<double> const& values) {
 }
 
 Estimation LSProblem::evaluate(std::vector<double> const& point) {
+  Estimation estimation;
+  evaluate(point, estimation);
+  return estimation;
+}
+
+void LSProblem::evaluate(std::vector<double> const& point, Estimation& into) {
   if (!model_) {
     CorvexTagLogger::getInstance().error("LocalLeastSquaresProblem model == NULL");
-    return Estimation({}, {}, {}, {}, {});
+    evaluation_.value().clear();
+    evaluation_.jacobian().resize(0, 0);
+    into.assign(evaluation_, {}, {}, nullptr);
+    return;
   }
-  ValueAndJacobian const valueAndJacobian = model_->calculate(point);
-  return Estimation(valueAndJacobian.getValue(), valueAndJacobian.getJacobian(), target_, point,
-                    weightsSqrt_);
+  model_->calculateInto(point, evaluation_);
+  into.assign(evaluation_, target_, point, weightsSqrt_);
 }
 
 }  // namespace Vantis::Location

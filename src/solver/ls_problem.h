@@ -34,14 +34,17 @@ class LSProblem {
 
   // The problem at one point (residuals target minus model value).
   Estimation evaluate(std::vector<double> const& point);
+  // The same into `into`, reusing its storage and the problem's scratch evaluation.
+  void evaluate(std::vector<double> const& point, Estimation& into);
 
  private:
   int maxEvaluations_ = 0;
   int maxIterations_ = 0;
-  std::vector<double> weightsSqrt_;
+  Estimation::Weights weightsSqrt_;
   std::vector<double> target_;
   std::shared_ptr<ValueAndJacobianFunction> model_;
   std::vector<double> start_;
+  ValueAndJacobian evaluation_;  // the model's last evaluation, kept for its storage
 };
 
 }  // namespace Vantis::Location

@@ -10,7 +10,7 @@ namespace Vantis::Location {
 // Outcome of one optimizer run: the estimation it ended on and what the run cost.
 class OptimizerResult {
  public:
-  OptimizerResult(Estimation const& estimation, int evaluations, int iterations);
+  OptimizerResult(Estimation estimation, int evaluations, int iterations);
 
   int getEvaluations() const { return evaluations_; }
   int getIterations() const { return iterations_; }

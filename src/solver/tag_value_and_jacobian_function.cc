@@ -17,26 +17,44 @@ double coordinate(std::vector<double> const& v, std::size_t index) {
 }  // namespace
 
 TagValueAndJacobianFunction::TagValueAndJacobianFunction(
-    std::vector<std::vector<double>> const& anchors)
-    : anchors_(anchors) {}
+    std::vector<std::vector<double>> const& anchors) {
+  xs_.reserve(anchors.size());
+  ys_.reserve(anchors.size());
+  for (std::vector<double> const& anchor : anchors) {
+    xs_.push_back(coordinate(anchor, 0));
+    ys_.push_back(coordinate(anchor, 1));
+  }
+}
 
 ValueAndJacobian TagValueAndJacobianFunction::calculate(std::vector<double> const& point) const {
-  std::vector<double> value;
-  std::vector<std::vector<double>> jacobian;
-  value.reserve(anchors_.size());
-  jacobian.reserve(anchors_.size());
-  for (std::vector<double> const& anchor : anchors_) {
-    double const d = dist(anchor, point);
-    value.push_back(d);
+  ValueAndJacobian result;
+  calculateInto(point, result);
+  return result;
+}
+
+void TagValueAndJacobianFunction::calculateInto(std::vector<double> const& point,
+                                                ValueAndJacobian& into) const {
+  double const px = coordinate(point, 0);
+  double const py = coordinate(point, 1);
+  std::vector<double>& value = into.value();
+  RowMatrix& jacobian = into.jacobian();
+  value.resize(xs_.size());
+  jacobian.resize(xs_.size(), 2);
+  for (std::size_t i = 0; i < xs_.size(); ++i) {
+    double const dx = xs_[i] - px;
+    double const dy = ys_[i] - py;
+    double const d = std::sqrt(dx * dx + dy * dy);
+    value[i] = d;
     if (d <= kMinGradientDistance) {
       // On top of an anchor the direction is undefined; a fixed row avoids dividing by ~0.
-      jacobian.push_back({1.0, 1.0});
+      jacobian(i, 0) = 1.0;
+      jacobian(i, 1) = 1.0;
     } else {
-      jacobian.push_back({(coordinate(point, 0) - coordinate(anchor, 0)) / d,
-                          (coordinate(point, 1) - coordinate(anchor, 1)) / d});
+      // Not -dx / d: a zero difference must stay +0.0.
+      jacobian(i, 0) = (px - xs_[i]) / d;
+      jacobian(i, 1) = (py - ys_[i]) / d;
     }
   }
-  return ValueAndJacobian(value, jacobian);
 }
 
 double TagValueAndJacobianFunction::dist(std::vector<double> const& a,

@@ -17,13 +17,16 @@ class TagValueAndJacobianFunction : public ValueAndJacobianFunction {
 
   // Distances (metres) to every anchor and their gradients with respect to the point.
   ValueAndJacobian calculate(std::vector<double> const& point) const override;
+  void calculateInto(std::vector<double> const& point, ValueAndJacobian& into) const override;
 
   // Planar Euclidean distance of the first two coordinates (metres); a missing coordinate
   // reads as NaN.
   static double dist(std::vector<double> const& a, std::vector<double> const& b);
 
  private:
-  std::vector<std::vector<double>> anchors_;
+  // Anchor coordinates; a missing one reads as NaN.
+  std::vector<double> xs_;
+  std::vector<double> ys_;
 };
 
 }  // namespace Vantis::Location

@@ -3,23 +3,32 @@
 
 #include <vector>
 
+#include "solver/row_matrix.h"
+
 namespace Vantis::Location {
 
 // A model evaluated at one parameter point: one value per observation and the derivatives
 // of each value with respect to each parameter (row i belongs to observation i).
 class ValueAndJacobian {
  public:
+  ValueAndJacobian() = default;
   ValueAndJacobian(std::vector<double> const& value,
                    std::vector<std::vector<double>> const& jacobian);
 
   std::vector<double> getValue() const { return value_; }
   void setValue(std::vector<double> const& value) { value_ = value; }
-  std::vector<std::vector<double>> const& getJacobian() const { return jacobian_; }
-  void setJacobian(std::vector<std::vector<double>> const& jacobian) { jacobian_ = jacobian; }
+  std::vector<std::vector<double>> getJacobian() const { return jacobian_.toRows(); }
+  void setJacobian(std::vector<std::vector<double>> const& jacobian) {
+    jacobian_ = RowMatrix(jacobian);
+  }
+
+  // In-place access, for models that refill an evaluation and for its consumers.
+  std::vector<double>& value() { return value_; }
+  RowMatrix& jacobian() { return jacobian_; }
 
  private:
   std::vector<double> value_;
-  std::vector<std::vector<double>> jacobian_;
+  RowMatrix jacobian_;
 };
 
 }  // namespace Vantis::Location

@@ -4,4 +4,9 @@ namespace Vantis::Location {
 
 ValueAndJacobianFunction::~ValueAndJacobianFunction() = default;
 
+void ValueAndJacobianFunction::calculateInto(std::vector<double> const& point,
+                                             ValueAndJacobian& into) const {
+  into = calculate(point);
+}
+
 }  // namespace Vantis::Location

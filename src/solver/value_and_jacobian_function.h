@@ -13,6 +13,8 @@ class ValueAndJacobianFunction {
  public:
   virtual ValueAndJacobian calculate(std::vector<double> const& point) const = 0;
   virtual ~ValueAndJacobianFunction();
+  // The same evaluation into an existing object; models override it to reuse its storage.
+  virtual void calculateInto(std::vector<double> const& point, ValueAndJacobian& into) const;
 };
 
 }  // namespace Vantis::Location

@@ -21,6 +21,7 @@ namespace {
 
 using corvex_test::FunctionModel;
 using corvex_test::LogCapture;
+using corvex_test::LogLine;
 using corvex_test::Matrix;
 using corvex_test::problemWith;
 using corvex_test::tagged;
@@ -142,6 +143,9 @@ TEST(LMOptimizer, TooSmallTolerancesNameTheToleranceThatStopped) {
 TEST(LMOptimizer, BadProblemsStopInTheFirstIterationWithAnErrorLine) {
   auto const ranges = std::make_shared<Ranges>(kAnchors);
   auto const noAnchors = std::make_shared<Ranges>(Matrix{});
+  auto const ragged = std::make_shared<FunctionModel>([](Vector const&) {
+    return ValueAndJacobian({0.0, 0.0}, {{1.0, 0.0}, {1.0}});
+  });
   std::string const mismatch = "E:optimize estimation size does not match the problem ";
   Lines const noModel = {"E:LocalLeastSquaresProblem input error",
                          "E:LocalLeastSquaresProblem model == NULL", "E:checkVectorDimensions 0,0",
@@ -158,6 +162,8 @@ TEST(LMOptimizer, BadProblemsStopInTheFirstIterationWithAnErrorLine) {
       {noAnchors, {}, {0.0, 0.0}, {}, {"E:checkVectorDimensions 0,0", mismatch + "0, 2"}},
       // A negative weight has a NaN root, which stops the factorisation.
       {ranges, rangesFrom(kAnchors, kTruth), {50.0, 10.0}, {1.0, -1.0, 1.0}, {"E:optimize 3, 2"}},
+      // Jacobian rows of unequal length.
+      {ragged, {1.0, 2.0}, {0.0, 0.0}, {1.0, 1.0}, {mismatch + "2, 2"}},
   };
   for (Case const& c : cases) {
     LogCapture capture;
@@ -180,6 +186,15 @@ void expectNear(Vector const& actual, Vector const& expected) {
       EXPECT_NEAR(actual[i], expected[i], 1e-12) << i;
     }
   }
+}
+
+// The factorisation of a Jacobian with unit weights.
+LMOptimizer::DataSet factorisation(Matrix const& jacobian, int solvedCols) {
+  Vector const zeros(jacobian.size(), 0.0);
+  LMOptimizer::DataSet dataSet;
+  LMOptimizer().qrDecomposition(Estimation(zeros, jacobian, zeros, {}, Vector(zeros.size(), 1.0)),
+                                solvedCols, dataSet);
+  return dataSet;
 }
 
 TEST(LMOptimizer, QrPivotsOnTheLargerColumnAndSignsTheDiagonalAgainstThePivot) {
@@ -209,24 +224,24 @@ TEST(LMOptimizer, QrPivotsOnTheLargerColumnAndSignsTheDiagonalAgainstThePivot) {
     SCOPED_TRACE(i);
     Case const& c = cases[i];
     LogCapture capture;
-    LMOptimizer::DataSet const qr = LMOptimizer().qrDecomposition(c.jacobian, c.solvedCols);
+    LMOptimizer::DataSet const qr = factorisation(c.jacobian, c.solvedCols);
     EXPECT_EQ(qr.permutation, c.permutation);
     EXPECT_EQ(qr.rank, c.rank);
     expectNear(qr.rDiagonal, c.rDiagonal);
     expectNear(qr.columnNorms, c.columnNorms);
     EXPECT_EQ(tagged(capture), *c.error ? Lines{c.error} : Lines{});
   }
-  EXPECT_EQ(LMOptimizer().qrDecomposition({{0.6, 0.8}}, 1).householderScales[0], 0.0);
+  EXPECT_EQ(factorisation({{0.6, 0.8}}, 1).householderScales[0], 0.0);
 }
 
 Matrix const kJacobian = {{1.0, 2.0}, {2.0, 0.5}, {2.0, -1.0}};
 
 // The factorisation of kJacobian with R's diagonal put back; qy becomes Q^T qy.
 LMOptimizer::DataSet factorised(Vector& qy) {
-  LMOptimizer::DataSet dataSet = LMOptimizer().qrDecomposition(kJacobian, 2);
+  LMOptimizer::DataSet dataSet = factorisation(kJacobian, 2);
   LMOptimizer().qtMultiplyY(qy, dataSet);
   for (int k = 0; k < 2; ++k) {
-    dataSet.factors[k][dataSet.permutation[k]] = dataSet.rDiagonal[dataSet.permutation[k]];
+    dataSet.factor(k, dataSet.permutation[k]) = dataSet.rDiagonal[dataSet.permutation[k]];
   }
   return dataSet;
 }
@@ -236,8 +251,9 @@ TEST(LMOptimizer, DirectionSolvesTheDampedNormalEquations) {
   for (Vector const& diag : {Vector{0.0, 0.0}, Vector{0.5, 2.0}, Vector{3.0, 0.0}}) {
     Vector qy = residuals;
     LMOptimizer::DataSet const dataSet = factorised(qy);
-    Vector lmDiag(2), work(2), direction(2);
-    LMOptimizer().getLevenbergMarquardtDirection(qy, diag, lmDiag, dataSet, 2, work, direction);
+    Vector lmDiag(2), work(2), direction(2), triangle;
+    LMOptimizer().getLevenbergMarquardtDirection(qy, diag, lmDiag, dataSet, 2, work, direction,
+                                                 triangle);
     // (F^T F + D^2) x = F^T y for F the negated Jacobian, by Cramer's rule.
     double a = diag[0] * diag[0], b = 0.0, d = diag[1] * diag[1], r0 = 0.0, r1 = 0.0;
     for (size_t i = 0; i < kJacobian.size(); ++i) {
@@ -255,10 +271,10 @@ TEST(LMOptimizer, DirectionSolvesTheDampedNormalEquations) {
 TEST(LMOptimizer, ParameterSearchFitsTheStepIntoTheBound) {
   Vector qy = {10.0, -20.0, 5.0};
   LMOptimizer::DataSet const dataSet = factorised(qy);
-  Vector work1(2), work2(2), work3(2), direction(2);
+  Vector work1(2), work2(2), work3(2), direction(2), triangle;
   auto const search = [&](double delta, LMOptimizer::DataSet const& qr, double lambda) {
     return LMOptimizer().getLevenbergMarquardtParameter(qy, delta, {1.0, 1.0}, qr, 2, work1, work2,
-                                                        work3, direction, lambda);
+                                                        work3, direction, lambda, triangle);
   };
   EXPECT_EQ(search(1e6, dataSet, 0.0), 0.0);  // a wide bound takes the Gauss-Newton step as it is
   // A bound of a tenth of it needs damping, and the step shrinks to about the bound.
@@ -266,7 +282,7 @@ TEST(LMOptimizer, ParameterSearchFitsTheStepIntoTheBound) {
   EXPECT_GT(search(delta, dataSet, 0.0), 0.0);
   EXPECT_NEAR(std::hypot(direction[0], direction[1]), delta, 0.1 * delta);
   // A zero Jacobian has rank 0 and gives no step, whatever the parameter was.
-  EXPECT_EQ(search(1.0, LMOptimizer().qrDecomposition({{0.0, 0.0}, {0.0, 0.0}}, 2), 0.5), 0.0);
+  EXPECT_EQ(search(1.0, factorisation({{0.0, 0.0}, {0.0, 0.0}}, 2), 0.5), 0.0);
   EXPECT_EQ(direction, (Vector{0.0, 0.0}));
 }
 
@@ -279,9 +295,13 @@ TEST(LMOptimizer, NormHelpersScaleByColumn) {
   EXPECT_EQ(optimizer.getDxNorm({2.0, 3.0}, 2, work, {2.0, 1.0}, {1, 0}), 5.0);
   EXPECT_EQ(work, (Vector{4.0, 3.0}));
   // Column 1 has norm 0 and is skipped; column 0: |2 * 1 + 1 * 3| / (5 * 2).
-  Matrix const factors = {{2.0, 9.0}, {1.0, 9.0}};
-  EXPECT_DOUBLE_EQ(optimizer.getMaxCosine(2, {1.0, 3.0}, 2.0, factors, {1, 0}, {5.0, 0.0}), 0.5);
-  EXPECT_EQ(optimizer.getMaxCosine(0, {}, 2.0, factors, {}, {}), 0.0);
+  LMOptimizer::DataSet qr;
+  qr.reset(2, 2);
+  qr.factors = {2.0, 1.0, 9.0, 9.0};  // rows (2, 9) and (1, 9)
+  qr.permutation = {1, 0};
+  qr.columnNorms = {5.0, 0.0};
+  EXPECT_DOUBLE_EQ(optimizer.getMaxCosine(2, {1.0, 3.0}, 2.0, qr), 0.5);
+  EXPECT_EQ(optimizer.getMaxCosine(0, {}, 2.0, qr), 0.0);
 }
 
 // --- Random anchor layouts. ---
@@ -418,6 +438,75 @@ TEST(LMOptimizer, FollowsTheSamePathBitForBit) {
   EXPECT_EQ(evaluations, 3117);
   EXPECT_EQ(iterations, 2506);
   EXPECT_EQ(digest, 0xb65414594274dbe4ULL);
+}
+
+// Range problems at the edges, pinned by a digest of everything a run gives back: points, RMS,
+// cost, counts and log lines. 1 to 5000 anchors; random, collinear, coincident, start-centred
+// (fixed gradient rows) and two-cluster layouts; non-finite anchors, targets and weights,
+// negative weights; limits from 0 to 1000; tolerances that cannot be met or end runs early.
+TEST(LMOptimizer, KeepsItsPathOnHostileRangeProblems) {
+  uint64_t state = 2024;
+  auto uniform = [&state] {
+    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<double>(state >> 11) * 0x1.0p-53;
+  };
+  auto below = [&uniform](int n) { return static_cast<int>(uniform() * n); };
+  double const inf = std::numeric_limits<double>::infinity();
+  double const special[] = {inf, -inf, std::nan("")};
+  int const sizes[] = {1, 2, 3, 4, 7, 20, 100};
+  int const limits[] = {0, 1, 2, 5, 50, 1000};
+  LMOptimizer const optimizers[] = {LMOptimizer(), LMOptimizer(),
+                                    LMOptimizer(100.0, 1e-20, 1e-20, 1e-20, LMOptimizer::kSafeMin),
+                                    LMOptimizer(100.0, -1.0, -2.0, -3.0, LMOptimizer::kSafeMin)};
+  uint64_t digest = 0;
+  auto mix = [&digest](double value) {
+    uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    digest = digest * 31 + bits;
+  };
+  long evaluations = 0;
+  for (int n = 0; n < 400; ++n) {
+    int const size = n % 100 == 99 ? 5000 : n % 25 == 24 ? 1000 : sizes[below(7)];
+    int const layout = below(5);
+    double const extent = Vector{1.0, 10.0, 100.0, 1000.0}[below(4)];
+    Matrix anchors;
+    Vector ranges, weights;
+    for (int i = 0; i < size; ++i) {
+      double const t = uniform();
+      Vector anchor = {uniform() * extent, uniform() * extent};
+      if (layout == 1) anchor = {t * extent, 2 * t * extent + 1};
+      if (layout == 2) anchor = {extent, -extent};
+      if (layout == 3) anchor = {anchor[0] * 1e-5 / extent, anchor[1] * 1e-5 / extent};
+      if (layout == 4) anchor[0] = (i % 2) * 3 * extent + t;
+      anchors.push_back(anchor);
+      ranges.push_back(uniform() * 2 * extent);
+      weights.push_back(below(10) == 0 ? 0.0 : uniform() * uniform());
+    }
+    if (below(15) == 0) anchors[below(size)][below(2)] = special[below(3)];
+    if (below(15) == 0) ranges[below(size)] = special[below(3)];
+    if (below(15) == 0) weights[below(size)] = below(2) == 0 ? -0.5 : inf;
+    Vector const start =
+        below(4) == 0 ? Vector{uniform() * extent, uniform() * extent} : Vector{0.0, 0.0};
+    LSProblem problem = rangeProblem(anchors, ranges, start, weights);
+    if (below(4) == 0) {
+      problem.setMaxEvaluations(limits[below(6)]);
+      problem.setMaxIterations(limits[below(6)]);
+    }
+    LogCapture capture;
+    OptimizerResult const result = optimizers[below(4)].optimize(problem);
+    for (double value : result.getPoint()) mix(value);
+    mix(result.getRMS());
+    mix(result.getCost());
+    mix(result.getEvaluations());
+    mix(result.getIterations());
+    for (LogLine const& line : capture.lines()) {
+      mix(line.level);
+      for (char c : line.message) mix(c);
+    }
+    evaluations += result.getEvaluations();
+  }
+  EXPECT_EQ(evaluations, 18809);
+  EXPECT_EQ(digest, 0xd0ed433fb6dcb656ULL);
 }
 
 }  // namespace

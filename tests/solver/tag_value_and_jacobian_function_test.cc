@@ -36,6 +36,9 @@ TEST(TagValueAndJacobianFunction, GivesRangeAndUnitDirectionPerAnchor) {
     EXPECT_EQ(result.getJacobian(), c.jacobian) << c.point[0] << " " << c.point[1];
   }
   EXPECT_EQ(TagValueAndJacobianFunction::dist({1.0, 1.0, 9.0}, {4.0, 5.0}), 5.0);
+  // A zero difference gives +0.0, whose sign the factorisation carries on.
+  EXPECT_FALSE(std::signbit(
+      TagValueAndJacobianFunction({{3.0, 0.0}}).calculate({3.0, 4.0}).getJacobian()[0][0]));
 }
 
 TEST(TagValueAndJacobianFunction, ShortPointReadsAsNaNInsteadOfOverrunning) {

@@ -1,0 +1,5 @@
+import sys
+
+from corvex._cli import main
+
+sys.exit(main())

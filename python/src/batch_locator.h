@@ -1,0 +1,53 @@
+#ifndef CORVEX_PYTHON_BATCH_LOCATOR_H_
+#define CORVEX_PYTHON_BATCH_LOCATOR_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "calculator/locate_trace.h"
+#include "platform/log_capture.h"
+#include "scan_columns.h"
+
+namespace corvex_python {
+
+// What one library call gave for one group of rows.
+struct GroupOutcome {
+  int code = 0;
+  AggregateLocationResult result{};  // its string pointers are cleared; see the fields below
+  std::string geoId;
+  std::string floorInfo;
+  std::string trace;
+  bool traceMissing = false;                            // the library could not allocate its trace
+  std::vector<Vantis::Location::LogCapture::Line> log;  // the call's lines, in order
+  double librarySeconds = 0;                            // CPU time of the library call alone (s)
+  Vantis::Location::LocateTrace observed;               // what the call did; filled when observing
+};
+
+// Runs GetAggregateLocation once per group of rows, on several threads. Needs no interpreter,
+// so callers release the GIL around locateAll.
+class BatchLocator {
+ public:
+  // captureLevel: the lowest log level (3 debug to 7 off) kept with each outcome; kNoCapture
+  // leaves the lines to the library's own sink. observe: fill each outcome's observed trace.
+  static constexpr int kNoCapture = -1;
+  BatchLocator(ScanColumns const& columns, int captureLevel, bool observe)
+      : columns_(columns), captureLevel_(captureLevel), observe_(observe) {}
+
+  // Group g holds the rows rows[offsets[g]] to rows[offsets[g + 1] - 1], in that order.
+  // jobs (at least 1) calls run at once; outcomes come back in group order.
+  std::vector<GroupOutcome> locateAll(const int64_t* rows, const int64_t* offsets, size_t groups,
+                                      int jobs) const;
+
+ private:
+  GroupOutcome locate(const int64_t* rows, size_t count,
+                      std::vector<AggregateScanInfo>* infos) const;
+
+  ScanColumns const& columns_;
+  int captureLevel_;
+  bool observe_;
+};
+
+}  // namespace corvex_python
+
+#endif  // CORVEX_PYTHON_BATCH_LOCATOR_H_
