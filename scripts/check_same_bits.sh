@@ -44,8 +44,9 @@ locate() {
   local out=$work/$name.$run level=debug
   [[ $run != plain* ]] || level=warn
   rm -f "$out.log"
-  # With per-call log capture in the tool this becomes `... locate "$input" --log $level "$@"`.
-  CORVEX_LOG_LEVEL=$level CORVEX_LOG_FILE=$out.log ${tool[$name]} locate "$input" "$@" \
+  # The tool puts each call's log lines into its answer; the log file stays for lines logged
+  # outside a call.
+  CORVEX_LOG_LEVEL=$level CORVEX_LOG_FILE=$out.log ${tool[$name]} locate "$input" --log $level "$@" \
     >"$out.out" 2>"$out.err"
   touch "$out.log"
 }

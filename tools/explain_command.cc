@@ -8,14 +8,13 @@
 
 #include "interface/locate_with_trace.h"
 #include "platform/linux_log_sink.h"
+#include "tools/exit_code.h"
 #include "tools/explain_report.h"
 #include "tools/scan_table_reader.h"
 
 namespace corvex_cli {
 namespace {
 
-constexpr int kExitFailure = 1;
-constexpr int kExitBadCommand = 2;
 // Debian's libjs-leaflet; read only for --tiles.
 constexpr char kLeafletDir[] = "/usr/share/javascript/leaflet/";
 
@@ -58,10 +57,10 @@ bool writeOutput(std::string const& path, std::string const& page) {
   return !out.fail();
 }
 
-std::string tagList(std::vector<TagScans> const& tags) {
+std::string tagList(ScanTable const& tags) {
   std::string list;
-  for (TagScans const& tag : tags) {
-    list += (list.empty() ? "'" : ", '") + tag.tag + "'";
+  for (size_t i = 0; i < tags.size(); ++i) {
+    list += (list.empty() ? "'" : ", '") + tags.tag(i).tag + "'";
   }
   return list;
 }
@@ -85,15 +84,15 @@ CLI::App* ExplainCommand::addTo(CLI::App& app, Options* options) {
   return command;
 }
 
-bool ExplainCommand::chooseTag(std::vector<TagScans> const& tags, Options const& options,
+bool ExplainCommand::chooseTag(ScanTable const& tags, Options const& options,
                                TagScans const** chosen, std::string* error) {
-  for (TagScans const& tag : tags) {
-    if (options.tagGiven ? tag.tag == options.tag : tags.size() == 1) {
-      *chosen = &tag;
+  for (size_t i = 0; i < tags.size(); ++i) {
+    if (options.tagGiven ? tags.tag(i).tag == options.tag : tags.size() == 1) {
+      *chosen = &tags.tag(i);
       return true;
     }
   }
-  if (tags.empty()) {
+  if (tags.size() == 0) {
     *error = options.path + ": no records";
   } else if (options.tagGiven) {
     *error = options.path + ": no tag '" + options.tag + "'; its tags: " + tagList(tags);
@@ -107,7 +106,7 @@ bool ExplainCommand::chooseTag(std::vector<TagScans> const& tags, Options const&
 ExplainModel ExplainCommand::explain(TagScans const& tag) {
   ExplainModel model;
   model.tag = tag.tag;
-  model.records = tag.toScanInfos();
+  model.records = tag.infos;
   std::vector<AggregateScanInfo> const& infos = model.records;
   char* traceLog = nullptr;
   {
@@ -129,7 +128,7 @@ ExplainModel ExplainCommand::explain(TagScans const& tag) {
 }
 
 int ExplainCommand::run(Options const& options) {
-  std::vector<TagScans> tags;
+  ScanTable tags;
   std::string error;
   TagScans const* tag = nullptr;
   ExplainReport::Tiles tiles;

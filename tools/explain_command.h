@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/explain_model.h"
+#include "tools/scan_table.h"
 #include "tools/tag_scans.h"
 
 namespace corvex_cli {
@@ -30,8 +31,8 @@ class ExplainCommand {
 
   // The tag to explain: the one named, or the only one. False with a message naming the
   // tags of the file when neither applies.
-  static bool chooseTag(std::vector<TagScans> const& tags, Options const& options,
-                        TagScans const** chosen, std::string* error);
+  static bool chooseTag(ScanTable const& tags, Options const& options, TagScans const** chosen,
+                        std::string* error);
 
   // Runs one library call for the tag and collects everything the report shows; the model's
   // records point into the tag's strings.

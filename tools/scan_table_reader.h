@@ -2,22 +2,20 @@
 #define CORVEX_TOOLS_SCAN_TABLE_READER_H_
 
 #include <string>
-#include <vector>
 
-#include "tools/tag_scans.h"
+#include "tools/scan_table.h"
 
 namespace corvex_cli {
 
-// Reads a whole file of scan records, CSV or JSON (JSON when the first character other than
-// blanks is '[' or '{'), checks every record and groups the records by tag in the order in
-// which the tags first appear. Records without a tag form the tag "".
+// Reads a whole input of scan records (see ScanStreamReader) into a table grouped by tag,
+// for commands that look at all records before they call the library.
 class ScanTableReader {
  public:
-  // False with "path:line: problem" in error; nothing is returned then.
-  static bool readFile(std::string const& path, std::vector<TagScans>* tags, std::string* error);
+  // path: a file, or "-" for standard input. False with "path:line: problem" in error.
+  static bool readFile(std::string const& path, ScanTable* table, std::string* error);
   // name: how messages call the text.
-  static bool readText(std::string const& name, std::string const& text,
-                       std::vector<TagScans>* tags, std::string* error);
+  static bool readText(std::string const& name, std::string const& text, ScanTable* table,
+                       std::string* error);
 };
 
 }  // namespace corvex_cli

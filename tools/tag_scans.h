@@ -1,28 +1,25 @@
 #ifndef CORVEX_TOOLS_TAG_SCANS_H_
 #define CORVEX_TOOLS_TAG_SCANS_H_
 
+#include <array>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "corvex/aggregate_location.h"
-#include "tools/scan_row.h"
+#include "tools/scan_record_builder.h"
 
 namespace corvex_cli {
 
-// All input records of one tag, in input order.
+// The input records of one tag, in input order, ready for the library: their strings point
+// into the StringPool of the table that read them.
 struct TagScans {
   std::string tag;
-  std::vector<ScanRow> rows;
-
-  // The C records, pointing into the rows' strings (valid while this object is unchanged).
-  std::vector<AggregateScanInfo> toScanInfos() const {
-    std::vector<AggregateScanInfo> infos;
-    infos.reserve(rows.size());
-    for (ScanRow const& row : rows) {
-      infos.push_back(row.toScanInfo());
-    }
-    return infos;
-  }
+  std::vector<AggregateScanInfo> infos;
+  // Records that came after the tag was handed on (see ScanTable::seal); merged later.
+  std::vector<AggregateScanInfo> late;
+  // Per field: how many records hold a value no phone produces.
+  std::array<size_t, ScanRecordBuilder::kFieldCount> implausible{};
 };
 
 }  // namespace corvex_cli

@@ -63,6 +63,14 @@ std::string formatArguments(const char* fmt, va_list args) {
   return out;
 }
 
+// The file named by CORVEX_LOG_FILE, opened for appending, or -1 (also when none is named).
+int openLogFile(const char* path) {
+  if (path == nullptr || *path == '\0') {
+    return -1;
+  }
+  return ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+}
+
 }  // namespace
 
 LinuxLogSink::LinuxLogSink(int minLevel, int fd) : minLevel_(minLevel), fd_(fd) {}
@@ -70,15 +78,8 @@ LinuxLogSink::LinuxLogSink(int minLevel, int fd) : minLevel_(minLevel), fd_(fd) 
 LinuxLogSink& LinuxLogSink::fromEnvironment() {
   static LinuxLogSink sink = [] {
     int level = parseLevel(std::getenv("CORVEX_LOG_LEVEL"));
-    int fd = STDERR_FILENO;
-    const char* path = std::getenv("CORVEX_LOG_FILE");
-    if (path != nullptr && *path != '\0') {
-      int opened = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-      if (opened >= 0) {
-        fd = opened;  // kept open for the life of the process
-      }
-    }
-    return LinuxLogSink(level, fd);
+    int fd = openLogFile(std::getenv("CORVEX_LOG_FILE"));  // kept open for the process's life
+    return LinuxLogSink(level, fd >= 0 ? fd : STDERR_FILENO);
   }();
   return sink;
 }
@@ -102,6 +103,25 @@ int LinuxLogSink::parseLevel(const char* name) {
     }
   }
   return kPlatformLogWarn;
+}
+
+std::vector<std::string> LinuxLogSink::environmentProblems() {
+  std::vector<std::string> problems;
+  const char* level = std::getenv("CORVEX_LOG_LEVEL");
+  if (level != nullptr && parseLevel(level) == kPlatformLogWarn &&
+      std::strcmp(level, "warn") != 0) {
+    problems.push_back(std::string("CORVEX_LOG_LEVEL '") + level +
+                       "' is not one of debug, info, warn, error, off; warn is used");
+  }
+  const char* path = std::getenv("CORVEX_LOG_FILE");
+  int fd = openLogFile(path);
+  if (fd >= 0) {
+    ::close(fd);
+  } else if (path != nullptr && *path != '\0') {
+    problems.push_back(std::string("CORVEX_LOG_FILE '") + path + "' cannot be opened (" +
+                       std::strerror(errno) + "); stderr is used");
+  }
+  return problems;
 }
 
 std::string LinuxLogSink::formatLine(int level, unsigned int domain, const char* tag,

@@ -14,6 +14,7 @@
 
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace Vantis::Location {
 
@@ -39,6 +40,11 @@ class LinuxLogSink {
 
   // Level name as in CORVEX_LOG_LEVEL; null or unknown text gives warn.
   static int parseLevel(const char* name);
+
+  // What fromEnvironment() works around without a word, one sentence each: a CORVEX_LOG_LEVEL
+  // that names no level, a CORVEX_LOG_FILE that cannot be opened for appending. For hosts that
+  // tell their user; opens and closes the file as the sink would.
+  static std::vector<std::string> environmentProblems();
 
   // "<L> 0x<DOMAIN>/<tag>: " followed by text; a line end is added when text lacks one.
   static std::string formatLine(int level, unsigned int domain, const char* tag,

@@ -1,0 +1,69 @@
+#include "tools/scan_stream_reader.h"
+
+#include <cstring>
+
+#include "tools/csv_scan_reader.h"
+#include "tools/json_scan_reader.h"
+#include "tools/scan_record_builder.h"
+
+namespace corvex_cli {
+namespace {
+
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
+constexpr size_t kByteOrderMarkBytes = 3;
+
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+// Reads until the first character other than blanks is in the buffer (or the input ends), and
+// says whether it opens JSON. Blanks are looked at, not consumed: in CSV they are text.
+bool startsJson(InputBuffer* in, std::string* error) {
+  size_t looked = 0;
+  bool markChecked = false;
+  while (true) {
+    if (!markChecked && in->size() >= kByteOrderMarkBytes) {
+      markChecked = true;
+      if (std::memcmp(in->begin(), kByteOrderMark, kByteOrderMarkBytes) == 0) {
+        in->consume(kByteOrderMarkBytes);
+      }
+    }
+    while (looked < in->size() && isBlank(in->begin()[looked])) {
+      ++looked;
+    }
+    bool const undecided = looked == in->size() || !markChecked;
+    if (!undecided || looked > CsvScanReader::kMaxRowBytes || !in->fill(error)) {
+      return looked < in->size() && (in->begin()[looked] == '[' || in->begin()[looked] == '{');
+    }
+  }
+}
+
+}  // namespace
+
+bool ScanStreamReader::read(InputBuffer* in, bool strict, ScanConsumer* consumer,
+                            std::string* error) {
+  ScanRecordBuilder builder(in->name(), strict);
+  bool const json = startsJson(in, error);
+  if (in->failed()) {
+    return false;
+  }
+  size_t records = 0;
+  if (json) {
+    JsonScanReader reader(in, &builder, consumer);
+    if (!reader.read(error)) {
+      return false;
+    }
+    records = reader.records();
+  } else {
+    CsvScanReader reader(in, &builder, consumer);
+    if (!reader.read(error)) {
+      return false;
+    }
+    records = reader.records();
+  }
+  if (records == 0) {
+    *error = in->name() + ": no records";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace corvex_cli
