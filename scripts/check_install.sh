@@ -67,6 +67,7 @@ readelf -d "$prefix/lib/libcorvex.so" | grep -q 'SONAME.*\[libcorvex\.so\.0\]' |
   ReleaseAggregateLocationString ] || fail "libcorvex_release.so exports more than its function"
 # One version everywhere: the header (the tool prints it) and CMake (pkg-config file).
 version=$("$prefix/bin/corvex" --version)
+version=${version#corvex }  # the tool prints "corvex X.Y.Z"
 [ "$(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --modversion corvex)" = "$version" ] ||
   fail "pkg-config does not give the tool's version $version"
 
