@@ -2,19 +2,11 @@
 
 #include <time.h>
 
-#include <algorithm>
-#include <atomic>
-#include <exception>
-#include <memory>
-#include <mutex>
-#include <optional>
-#include <thread>
+#include <chrono>
 
-#include "interface/locate_with_trace.h"
+#include "tools/worker_pool.h"
 
 namespace corvex_python {
-
-using Vantis::Location::LogCapture;
 
 namespace {
 
@@ -24,77 +16,32 @@ double threadCpuSeconds() {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-std::string takeText(char* text) {
-  std::unique_ptr<char[]> const owned(text);  // the library hands its strings over
-  return text != nullptr ? std::string(text) : std::string();
-}
-
 }  // namespace
 
 std::vector<GroupOutcome> BatchLocator::locateAll(const int64_t* rows, const int64_t* offsets,
                                                   size_t groups, int jobs) const {
   std::vector<GroupOutcome> outcomes(groups);
-  std::atomic<size_t> next{0};
-  std::exception_ptr failure;
-  std::mutex failureMutex;
-  auto const work = [&] {
-    try {
-      std::vector<AggregateScanInfo> infos;  // reused by every call of this thread
-      for (size_t g = next++; g < groups; g = next++) {
-        outcomes[g] =
-            locate(rows + offsets[g], static_cast<size_t>(offsets[g + 1] - offsets[g]), &infos);
-      }
-    } catch (...) {
-      std::lock_guard<std::mutex> lock(failureMutex);
-      failure = std::current_exception();
-      next = groups;
-    }
-  };
-  size_t const workers = std::min(groups, static_cast<size_t>(std::max(jobs, 1)));
-  std::vector<std::thread> threads;
-  for (size_t w = 1; w < workers; ++w) {
-    threads.emplace_back(work);
+  corvex_cli::WorkerPool pool(jobs);  // declared after outcomes: joins before they go
+  for (size_t g = 0; g < groups; ++g) {
+    pool.submit([this, &outcomes, rows, offsets, g] {
+      outcomes[g] = locate(rows + offsets[g], static_cast<size_t>(offsets[g + 1] - offsets[g]));
+    });
   }
-  work();  // the calling thread is one of the workers
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
-  if (failure) {
-    std::rethrow_exception(failure);
+  while (!pool.waitFor(std::chrono::seconds(1))) {
   }
   return outcomes;
 }
 
-GroupOutcome BatchLocator::locate(const int64_t* rows, size_t count,
-                                  std::vector<AggregateScanInfo>* infos) const {
-  infos->resize(count);
+GroupOutcome BatchLocator::locate(const int64_t* rows, size_t count) const {
+  std::vector<AggregateScanInfo> infos(count);
   for (size_t i = 0; i < count; ++i) {
-    (*infos)[i] = columns_.record(static_cast<size_t>(rows[i]));
+    infos[i] = columns_.record(static_cast<size_t>(rows[i]));
   }
-  // An empty group is an empty list, not a missing one: the pointer must not be null.
-  AggregateScanInfo const none{};
   GroupOutcome outcome;
-  char* trace = nullptr;
-  {
-    std::optional<LogCapture> capture;
-    if (captureLevel_ != kNoCapture) {
-      capture.emplace(captureLevel_);
-    }
-    double const start = threadCpuSeconds();
-    outcome.code = Vantis::Location::locateWithTrace(
-        count > 0 ? infos->data() : &none, static_cast<int>(count), &outcome.result, &trace,
-        observe_ ? &outcome.observed : nullptr);
-    outcome.librarySeconds = threadCpuSeconds() - start;
-    if (capture) {
-      outcome.log = capture->take();
-    }
-  }
-  outcome.geoId = takeText(outcome.result.geoId);
-  outcome.floorInfo = takeText(outcome.result.floorInfo);
-  outcome.result.geoId = nullptr;
-  outcome.result.floorInfo = nullptr;
-  outcome.traceMissing = trace == nullptr;
-  outcome.trace = takeText(trace);
+  double const start = threadCpuSeconds();
+  outcome.call = corvex_cli::TagLocator::call(infos.data(), count, captureLevel_,
+                                              observe_ ? &outcome.observed : nullptr);
+  outcome.librarySeconds = threadCpuSeconds() - start;
   return outcome;
 }
 
