@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <climits>
+#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "batch_locator.h"
@@ -53,14 +55,16 @@ TextColumn textColumn(py::dict const& columns, char const* name, size_t rows, py
   return column;
 }
 
-template <typename T, typename Field>
-py::array_t<T> resultColumn(std::vector<GroupOutcome> const& outcomes, Field field) {
-  py::array_t<T> column(static_cast<py::ssize_t>(outcomes.size()));
-  T* out = column.mutable_data();
-  for (GroupOutcome const& outcome : outcomes) {
-    *out++ = field(outcome);
+// Adds a numpy column per field: the field of structOf(element) for every element, in order.
+template <typename T, typename Struct, typename Elements, typename StructOf>
+void addColumns(py::dict* columns, Elements const& elements, StructOf structOf,
+                std::initializer_list<std::pair<char const*, T Struct::*>> fields) {
+  for (auto const& [name, field] : fields) {
+    py::array_t<T> column(static_cast<py::ssize_t>(elements.size()));
+    std::transform(elements.begin(), elements.end(), column.mutable_data(),
+                   [&](auto const& element) { return structOf(element).*field; });
+    (*columns)[name] = column;
   }
-  return column;
 }
 
 py::tuple candidate(Vantis::Location::LocateTrace::Outcome const& outcome) {
@@ -104,22 +108,22 @@ py::str textOrEmpty(char const* text) { return decodeText(text != nullptr ? text
 
 py::dict toPython(std::vector<GroupOutcome> const& outcomes, bool observed) {
   py::dict out;
-  out["code"] = resultColumn<int32_t>(outcomes, [](auto const& o) { return o.call.code; });
-  out["lon"] = resultColumn<double>(outcomes, [](auto const& o) { return o.call.result.lon; });
-  out["lat"] = resultColumn<double>(outcomes, [](auto const& o) { return o.call.result.lat; });
-  out["acc"] = resultColumn<float>(outcomes, [](auto const& o) { return o.call.result.acc; });
-  out["confidence"] =
-      resultColumn<double>(outcomes, [](auto const& o) { return o.call.result.confidence; });
-  out["timeStamp"] =
-      resultColumn<int64_t>(outcomes, [](auto const& o) { return o.call.result.timeStamp; });
-  out["runTimeStamp"] =
-      resultColumn<int64_t>(outcomes, [](auto const& o) { return o.call.result.runTimeStamp; });
-  out["indoorFlag"] =
-      resultColumn<int32_t>(outcomes, [](auto const& o) { return o.call.result.indoorFlag; });
-  out["floorId"] =
-      resultColumn<int32_t>(outcomes, [](auto const& o) { return o.call.result.floorId; });
-  out["floorAcc"] =
-      resultColumn<int32_t>(outcomes, [](auto const& o) { return o.call.result.floorAcc; });
+  using Call = corvex_cli::TagLocator::Outcome;
+  using Result = AggregateLocationResult;
+  auto const callOf = [](GroupOutcome const& o) -> Call const& { return o.call; };
+  auto const resultOf = [](GroupOutcome const& o) -> Result const& { return o.call.result; };
+  addColumns<int32_t, Call>(&out, outcomes, callOf, {{"code", &Call::code}});
+  addColumns<double, Result>(
+      &out, outcomes, resultOf,
+      {{"lon", &Result::lon}, {"lat", &Result::lat}, {"confidence", &Result::confidence}});
+  addColumns<float, Result>(&out, outcomes, resultOf, {{"acc", &Result::acc}});
+  addColumns<int64_t, Result>(
+      &out, outcomes, resultOf,
+      {{"timeStamp", &Result::timeStamp}, {"runTimeStamp", &Result::runTimeStamp}});
+  addColumns<int32_t, Result>(&out, outcomes, resultOf,
+                              {{"indoorFlag", &Result::indoorFlag},
+                               {"floorId", &Result::floorId},
+                               {"floorAcc", &Result::floorAcc}});
   py::list geoId, floorInfo, trace, logGroup, logLevel, logMessage;
   double librarySeconds = 0;
   for (size_t g = 0; g < outcomes.size(); ++g) {
@@ -191,13 +195,6 @@ py::dict locateGroups(py::dict const& columns, py::array_t<int64_t> const& rows,
   return toPython(outcomes, observe);
 }
 
-template <typename T, typename Field>
-py::array_t<T> recordColumn(std::vector<AggregateScanInfo> const& infos, Field field) {
-  py::array_t<T> column(static_cast<py::ssize_t>(infos.size()));
-  std::transform(infos.begin(), infos.end(), column.mutable_data(), field);
-  return column;
-}
-
 // The records of a scan file as columns ("-": standard input), read as corvex locate reads
 // them. Returns (columns, None), or (None, "path:line: problem").
 py::tuple readScans(std::string const& path) {
@@ -211,21 +208,21 @@ py::tuple readScans(std::string const& path) {
   if (!read) {
     return py::make_tuple(py::none(), py::bytes(error));
   }
-  auto const& infos = collector.infos();
+  using Info = AggregateScanInfo;
+  auto const itself = [](Info const& info) -> Info const& { return info; };
   py::dict columns;
-  columns["timeStamp"] = recordColumn<int64_t>(infos, [](auto const& i) { return i.timeStamp; });
-  columns["rssi"] = recordColumn<int32_t>(infos, [](auto const& i) { return i.rssi; });
-  columns["confidence"] = recordColumn<double>(infos, [](auto const& i) { return i.confidence; });
-  columns["lon"] = recordColumn<double>(infos, [](auto const& i) { return i.lon; });
-  columns["lat"] = recordColumn<double>(infos, [](auto const& i) { return i.lat; });
-  columns["acc"] = recordColumn<float>(infos, [](auto const& i) { return i.acc; });
-  columns["locationType"] =
-      recordColumn<int32_t>(infos, [](auto const& i) { return i.locationType; });
-  columns["locationSourceType"] =
-      recordColumn<int32_t>(infos, [](auto const& i) { return i.locationSourceType; });
-  columns["indoorFlag"] = recordColumn<int32_t>(infos, [](auto const& i) { return i.indoorFlag; });
-  columns["floorId"] = recordColumn<int32_t>(infos, [](auto const& i) { return i.floorId; });
-  columns["floorAcc"] = recordColumn<int32_t>(infos, [](auto const& i) { return i.floorAcc; });
+  addColumns<int64_t, Info>(&columns, collector.infos(), itself, {{"timeStamp", &Info::timeStamp}});
+  addColumns<int32_t, Info>(&columns, collector.infos(), itself,
+                            {{"rssi", &Info::rssi},
+                             {"locationType", &Info::locationType},
+                             {"locationSourceType", &Info::locationSourceType},
+                             {"indoorFlag", &Info::indoorFlag},
+                             {"floorId", &Info::floorId},
+                             {"floorAcc", &Info::floorAcc}});
+  addColumns<double, Info>(
+      &columns, collector.infos(), itself,
+      {{"confidence", &Info::confidence}, {"lon", &Info::lon}, {"lat", &Info::lat}});
+  addColumns<float, Info>(&columns, collector.infos(), itself, {{"acc", &Info::acc}});
   for (auto const& [name, field] :
        {std::pair{"tag", ColumnCollector::kTag}, std::pair{"geoId", ColumnCollector::kGeoId},
         std::pair{"floorInfo", ColumnCollector::kFloorInfo}}) {
