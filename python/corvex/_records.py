@@ -123,6 +123,8 @@ def number_column(frame: pd.DataFrame, name: str, needed: np.ndarray | None = No
     column = _Column(frame, name)
     dtype = NUMBER_FIELDS[name]
     numbers = column.values
+    if numbers.dtype == dtype:  # every value fits; nothing to check
+        return np.ascontiguousarray(numbers)
     if numbers.dtype.kind == "b":
         raise column.fail(0, "expected numbers, found booleans")
     if numbers.dtype.kind == "O":

@@ -2,7 +2,12 @@
 
 #include <time.h>
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
 
 #include "tools/worker_pool.h"
 
@@ -20,26 +25,50 @@ double threadCpuSeconds() {
 
 std::vector<GroupOutcome> BatchLocator::locateAll(const int64_t* rows, const int64_t* offsets,
                                                   size_t groups, int jobs) const {
+  std::vector<AggregateScanInfo> const ordered =
+      inGroupOrder(rows, groups > 0 ? static_cast<size_t>(offsets[groups]) : 0);
   std::vector<GroupOutcome> outcomes(groups);
+  std::atomic<size_t> next{0};
+  auto const work = [&] {
+    for (size_t g = next++; g < groups; g = next++) {
+      outcomes[g] =
+          locate(ordered.data() + offsets[g], static_cast<size_t>(offsets[g + 1] - offsets[g]));
+    }
+  };
   corvex_cli::WorkerPool pool(jobs);  // declared after outcomes: joins before they go
-  for (size_t g = 0; g < groups; ++g) {
-    pool.submit([this, &outcomes, rows, offsets, g] {
-      outcomes[g] = locate(rows + offsets[g], static_cast<size_t>(offsets[g + 1] - offsets[g]));
-    });
+  for (int worker = 0; worker < std::max(jobs, 1); ++worker) {
+    pool.submit(work);
   }
   while (!pool.waitFor(std::chrono::seconds(1))) {
   }
   return outcomes;
 }
 
-GroupOutcome BatchLocator::locate(const int64_t* rows, size_t count) const {
-  std::vector<AggregateScanInfo> infos(count);
+std::vector<AggregateScanInfo> BatchLocator::inGroupOrder(const int64_t* rows, size_t count) const {
+  // Reading the columns row after row and putting each record where its group wants it
+  // touches far fewer cache lines than fetching a group's scattered rows from every column.
+  constexpr size_t kUnused = SIZE_MAX;
+  std::vector<size_t> place(columns_.rows, kUnused);
   for (size_t i = 0; i < count; ++i) {
-    infos[i] = columns_.record(static_cast<size_t>(rows[i]));
+    size_t& slot = place[static_cast<size_t>(rows[i])];
+    if (slot != kUnused) {
+      throw std::invalid_argument("row " + std::to_string(rows[i]) + " is in two groups");
+    }
+    slot = i;
   }
+  std::vector<AggregateScanInfo> ordered(count);
+  for (size_t row = 0; row < columns_.rows; ++row) {
+    if (place[row] != kUnused) {
+      ordered[place[row]] = columns_.record(row);
+    }
+  }
+  return ordered;
+}
+
+GroupOutcome BatchLocator::locate(AggregateScanInfo const* infos, size_t count) const {
   GroupOutcome outcome;
   double const start = threadCpuSeconds();
-  outcome.call = corvex_cli::TagLocator::call(infos.data(), count, captureLevel_,
+  outcome.call = corvex_cli::TagLocator::call(infos, count, captureLevel_,
                                               observe_ ? &outcome.observed : nullptr);
   outcome.librarySeconds = threadCpuSeconds() - start;
   return outcome;

@@ -27,13 +27,16 @@ class BatchLocator {
   BatchLocator(ScanColumns const& columns, int captureLevel, bool observe)
       : columns_(columns), captureLevel_(captureLevel), observe_(observe) {}
 
-  // Group g holds the rows rows[offsets[g]] to rows[offsets[g + 1] - 1], in that order.
-  // jobs (at least 1) calls run at once; outcomes come back in group order.
+  // Group g holds the rows rows[offsets[g]] to rows[offsets[g + 1] - 1], in that order; a row
+  // is in one group at most (std::invalid_argument otherwise). jobs (at least 1) calls run at
+  // once; outcomes come back in group order. Needs about 100 bytes per row of working memory.
   std::vector<GroupOutcome> locateAll(const int64_t* rows, const int64_t* offsets, size_t groups,
                                       int jobs) const;
 
  private:
-  GroupOutcome locate(const int64_t* rows, size_t count) const;
+  // The records of rows[0] to rows[count - 1], in that order.
+  std::vector<AggregateScanInfo> inGroupOrder(const int64_t* rows, size_t count) const;
+  GroupOutcome locate(AggregateScanInfo const* infos, size_t count) const;
 
   ScanColumns const& columns_;
   int captureLevel_;

@@ -160,7 +160,8 @@ py::dict locateGroups(py::dict const& columns, py::array_t<int64_t> const& rows,
   size_t const count = static_cast<size_t>(columns["timeStamp"].cast<py::array>().size());
   TextColumn const geoId = textColumn(columns, "geoId", count, missing);
   TextColumn const floorInfo = textColumn(columns, "floorInfo", count, missing);
-  ScanColumns const scans{columnData<int64_t>(columns, "timeStamp", count),
+  ScanColumns const scans{count,
+                          columnData<int64_t>(columns, "timeStamp", count),
                           columnData<int32_t>(columns, "rssi", count),
                           columnData<double>(columns, "confidence", count),
                           columnData<double>(columns, "lon", count),
