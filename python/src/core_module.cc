@@ -59,7 +59,8 @@ TextColumn textColumn(py::dict const& columns, char const* name, size_t rows, py
 template <typename T, typename Struct, typename Elements, typename StructOf>
 void addColumns(py::dict* columns, Elements const& elements, StructOf structOf,
                 std::initializer_list<std::pair<char const*, T Struct::*>> fields) {
-  for (auto const& [name, field] : fields) {
+  for (auto const& [name, member] : fields) {
+    T Struct::*const field = member;  // a lambda cannot capture a structured binding in C++17
     py::array_t<T> column(static_cast<py::ssize_t>(elements.size()));
     std::transform(elements.begin(), elements.end(), column.mutable_data(),
                    [&](auto const& element) { return structOf(element).*field; });
