@@ -21,11 +21,10 @@ constexpr char kRunModule[] =
     "try:\n"
     "    import corvex._cli\n"
     "except ImportError as error:\n"
-    "    sys.exit(f'corvex: evaluate needs the Python package corvex, which /usr/bin/python3 '\n"
-    "             f'cannot import ({error}). Build it with CMake and set PYTHONPATH=BUILD/python, "
-    "'\n"
-    "             f'or install it from the source tree: /usr/bin/python3 -m pip install '\n"
-    "             f'--no-build-isolation .')\n"
+    "    sys.exit(f'corvex: evaluate needs the Python package corvex, which '\n"
+    "             f'/usr/bin/python3 cannot import ({error}). Build it with CMake '\n"
+    "             f'and set PYTHONPATH=BUILD/python, or install it from the source '\n"
+    "             f'tree: /usr/bin/python3 -m pip install --no-build-isolation .')\n"
     "runpy.run_module('corvex', run_name='__main__', alter_sys=True)\n";
 
 }  // namespace
