@@ -4,15 +4,16 @@
     PYTHONPATH=build/python /usr/bin/python3 bench/python_batch.py --cli build/tools/corvex
 
 Writes a file of simulated records (default 1,000,000 records of 500 tags), then measures
-records/s of: the tool (--jobs 1 and 2), corvex.locate_many on the file's frame (jobs 1 and 2),
-and corvex.dask.locate on a distributed.LocalCluster of 1 and 2 worker processes reading the
-file with dask.dataframe.read_csv. Also the cost of the Python path over the library's own
+records/s of: the tool and `python -m corvex locate` (--jobs 1 and 2), corvex.locate_many on
+the file's frame (jobs 1 and 2), and corvex.dask.locate on a distributed.LocalCluster of 1 and
+2 worker processes reading the file with dask.dataframe.read_csv. Also the cost of the Python path over the library's own
 time: CPU time of locate_many (jobs 1) against the CPU time of the library calls inside it.
 Wall times are the best of --repeat runs; the machine should be otherwise idle.
 """
 import argparse
 import os
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -71,11 +72,13 @@ def main():
         records = arguments.records
         frame = corvex.read_scans(path)
         rows = []
-        for jobs in (1, 2):
-            seconds = best_of(arguments.repeat, lambda: subprocess.run(
-                [arguments.cli, "locate", path, "--jobs", str(jobs)], check=True,
-                stdout=subprocess.DEVNULL))
-            rows.append((f"corvex locate --jobs {jobs} (file to JSON lines)", seconds))
+        for name, command in (("corvex locate", [arguments.cli]),
+                              ("python -m corvex locate", [sys.executable, "-m", "corvex"])):
+            for jobs in (1, 2):
+                seconds = best_of(arguments.repeat, lambda: subprocess.run(
+                    [*command, "locate", path, "--jobs", str(jobs)], check=True,
+                    stdout=subprocess.DEVNULL))
+                rows.append((f"{name} --jobs {jobs} (file to JSON lines)", seconds))
         for jobs in (1, 2):
             seconds = best_of(arguments.repeat, lambda: corvex.locate_many(frame, jobs=jobs))
             rows.append((f"corvex.locate_many jobs={jobs} (frame to frame)", seconds))
