@@ -1,4 +1,5 @@
-"""Builds corvex._core from the C++ core sources with the core's own flags; see pyproject.toml."""
+"""Builds corvex._core from the C++ core and tool sources with the core's own flags; see
+pyproject.toml."""
 import glob
 import re
 
@@ -30,12 +31,20 @@ class CoreBuild(build_ext):
         super().build_extensions()
 
 
+def tool_sources():
+    """The tool's readers, locator and printer, which the package shares: tools/ without the
+    command-line front ends (main, the *_command files and the explain report)."""
+    return sorted(p for p in glob.glob("tools/*.cc") if not re.search(
+        r"/(main|\w+_command|explain_\w+)\.cc$", p))
+
+
 core = Extension(
     "corvex._core",
     # src/release/ is the hosts' string release function, not part of the locator.
     sources=sorted(p for p in glob.glob("src/**/*.cc", recursive=True)
-                   if not p.startswith("src/release/")) + sorted(glob.glob("python/src/*.cc")),
-    include_dirs=["include", "src", "python/src", pybind11.get_include()],
+                   if not p.startswith("src/release/")) + tool_sources()
+    + sorted(glob.glob("python/src/*.cc")),
+    include_dirs=["include", "src", ".", "python/src", pybind11.get_include()],
     extra_compile_args=CORE_FLAGS,
     language="c++",
 )

@@ -2,8 +2,8 @@
 #define CORVEX_TOOLS_LOCATE_COMMAND_H_
 
 #include <CLI/CLI.hpp>
-#include <cstddef>
-#include <string>
+
+#include "tools/file_locator.h"
 
 namespace corvex_cli {
 
@@ -19,16 +19,8 @@ class LocateCommand {
   int run();
 
  private:
-  bool write(std::string const& text) const;
-
   CLI::App* command_;
-  std::string path_;
-  std::string format_ = "jsonl";
-  std::string output_;
-  std::string log_;
-  int jobs_ = 1;
-  size_t newest_ = 0;
-  bool strict_ = false;
+  FileLocator::Request request_;
 };
 
 }  // namespace corvex_cli

@@ -1,6 +1,7 @@
 // corvex: the command-line face of the library. `corvex locate FILE` locates every tag of a
-// file; `corvex explain FILE` writes an HTML report of one tag's call. Each subcommand lives in
-// a class of its own that adds itself to the command line and runs when chosen.
+// file; `corvex explain FILE` writes an HTML report of one tag's call; `corvex evaluate` runs
+// the Python package's evaluator. Each subcommand lives in a class of its own that adds itself
+// to the command line and runs when chosen.
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
@@ -8,6 +9,7 @@
 #include <string>
 
 #include "corvex/aggregate_location.h"
+#include "tools/evaluate_command.h"
 #include "tools/exit_code.h"
 #include "tools/explain_command.h"
 #include "tools/locate_command.h"
@@ -37,8 +39,12 @@ int main(int argc, char** argv) {
   corvex_cli::LocateCommand locate(&app);
   corvex_cli::ExplainCommand::Options explainOptions;
   CLI::App* explain = corvex_cli::ExplainCommand::addTo(app, &explainOptions);
+  corvex_cli::EvaluateCommand::addTo(app);
   if (!knownSubcommand(app, argc, argv)) {
     return corvex_cli::kExitBadCommand;
+  }
+  if (corvex_cli::EvaluateCommand::chosen(argc, argv)) {
+    return corvex_cli::EvaluateCommand::run(argc, argv);  // its arguments are Python's to parse
   }
   try {
     app.parse(argc, argv);

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "tools/csv_scan_reader.h"
+#include "tools/input_file.h"
 #include "tools/json_scan_reader.h"
 #include "tools/scan_record_builder.h"
 
@@ -64,6 +65,16 @@ bool ScanStreamReader::read(InputBuffer* in, bool strict, ScanConsumer* consumer
     return false;
   }
   return true;
+}
+
+bool ScanStreamReader::readFile(std::string const& path, bool strict, ScanConsumer* consumer,
+                                std::string* error) {
+  InputFile file;
+  if (!file.open(path, error)) {
+    return false;
+  }
+  InputBuffer input(file.fd(), file.name());
+  return read(&input, strict, consumer, error);
 }
 
 }  // namespace corvex_cli

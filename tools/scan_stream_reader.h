@@ -15,6 +15,10 @@ class ScanStreamReader {
   // strict: a value no phone produces is an error. False with "name:line: problem" (or
   // "name: no records") in error; records handed on before an error stay handed on.
   static bool read(InputBuffer* in, bool strict, ScanConsumer* consumer, std::string* error);
+  // The same from a file; path "-" reads standard input. Not being able to open the file is
+  // an error too ("path: cannot open: reason").
+  static bool readFile(std::string const& path, bool strict, ScanConsumer* consumer,
+                       std::string* error);
 };
 
 }  // namespace corvex_cli

@@ -1,18 +1,12 @@
 #include "tools/scan_table_reader.h"
 
 #include "tools/input_buffer.h"
-#include "tools/input_file.h"
 #include "tools/scan_stream_reader.h"
 
 namespace corvex_cli {
 
 bool ScanTableReader::readFile(std::string const& path, ScanTable* table, std::string* error) {
-  InputFile file;
-  if (!file.open(path, error)) {
-    return false;
-  }
-  InputBuffer input(file.fd(), file.name());
-  bool const read = ScanStreamReader::read(&input, /*strict=*/false, table, error);
+  bool const read = ScanStreamReader::readFile(path, /*strict=*/false, table, error);
   table->finish();
   return read;
 }

@@ -1,12 +1,12 @@
 #include "tools/tag_locator.h"
 
 #include <algorithm>
-#include <memory>
 #include <numeric>
+#include <optional>
 
 #include "interface/corvex_tag_logger.h"
+#include "interface/locate_with_trace.h"
 #include "platform/linux_log_sink.h"
-#include "platform/log_capture.h"
 
 namespace corvex_cli {
 
@@ -21,26 +21,38 @@ std::string TagLocator::locate(TagScans const& tag, Options const& options) {
     kept = newest(tag.infos, options.newest);
     infos = &kept;
   }
-  AggregateLocationResult result{};
-  char* traceLog = nullptr;
-  LogCapture capture(options.logLevel);
-  // A tag has at least one record, so the data pointer is never null.
-  int const code =
-      GetAggregateLocation(infos->data(), static_cast<int>(infos->size()), &result, &traceLog);
-  // The library hands the three strings over; they are released with delete[].
-  std::unique_ptr<char[]> const geoId(result.geoId);
-  std::unique_ptr<char[]> const floorInfo(result.floorInfo);
-  std::unique_ptr<char[]> const trace(traceLog);
+  Outcome const outcome = call(infos->data(), infos->size(), options.logLevel, nullptr);
   std::vector<std::string> log;
-  for (LogCapture::Line const& line : capture.lines()) {
+  for (LogCapture::Line const& line : outcome.log) {
     std::string text = LinuxLogSink::formatLine(line.level, CorvexTagLogger::kDomain,
                                                 CorvexTagLogger::kTag, line.message);
     text.pop_back();  // the line end
     log.push_back(std::move(text));
   }
   bool const withLog = options.logLevel < Vantis::Location::kPlatformLogOff;
-  return LocationPrinter::format(options.format, tag.tag, code, result, traceLog,
-                                 withLog ? &log : nullptr);
+  return LocationPrinter::format(options.format, tag.tag, outcome.code, outcome.result,
+                                 outcome.traceLog.get(), withLog ? &log : nullptr);
+}
+
+TagLocator::Outcome TagLocator::call(AggregateScanInfo const* infos, size_t count, int logLevel,
+                                     Vantis::Location::LocateTrace* observed) {
+  // An empty list is not a missing one: the pointer must not be null.
+  AggregateScanInfo const none{};
+  Outcome outcome;
+  char* traceLog = nullptr;
+  std::optional<LogCapture> capture;
+  if (logLevel != kLogToSink) {
+    capture.emplace(logLevel);
+  }
+  outcome.code = Vantis::Location::locateWithTrace(
+      count > 0 ? infos : &none, static_cast<int>(count), &outcome.result, &traceLog, observed);
+  outcome.geoId.reset(outcome.result.geoId);
+  outcome.floorInfo.reset(outcome.result.floorInfo);
+  outcome.traceLog.reset(traceLog);
+  if (capture) {
+    outcome.log = capture->take();
+  }
+  return outcome;
 }
 
 std::vector<AggregateScanInfo> TagLocator::newest(std::vector<AggregateScanInfo> const& infos,

@@ -18,8 +18,7 @@ CORVEX_LOG_FILE names a file for them.
 from corvex._batch import locate, locate_many
 from corvex._explain import STAGES, Candidate, Explanation, explain
 from corvex._location import Location
-from corvex._records import FIELDS
-from corvex._scan_file import ScanFileError, read_scans
+from corvex._records import FIELDS, ScanFileError, read_scans
 
 __all__ = ["FIELDS", "STAGES", "Candidate", "Explanation", "Location", "ScanFileError", "explain", "locate",
            "locate_many", "read_scans"]

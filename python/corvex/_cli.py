@@ -8,59 +8,46 @@ import os
 import sys
 
 from corvex import _core
-from corvex._batch import locate_many
-from corvex._scan_file import ScanFileError, read_scans
+from corvex._records import ScanFileError
 
 EXIT_FAILURE = 1  # could not finish
 EXIT_BAD_INPUT = 2  # bad command line or bad input; nothing was printed
 
 
-def location_lines(frame) -> list[str]:
-    """The JSON lines of `corvex locate` for a frame made by corvex.locate_many."""
-    columns = [frame[name].tolist() for name in (
-        "tag", "code", "message", "lon", "lat", "acc", "confidence", "timeStamp",
-        "runTimeStamp", "indoorFlag", "geoId", "floorId", "floorAcc", "floorInfo", "infoCount")]
-    return [_core.format_line(*values) for values in zip(*columns)]
-
-
-# CORVEX_LOG_LEVEL values and the logging levels they keep.
-_LOG_LEVELS = {"debug": logging.DEBUG, "info": logging.INFO, "warn": logging.WARNING,
-               "error": logging.ERROR, "off": logging.CRITICAL + 1}
-
-
-@contextlib.contextmanager
-def _log_like_the_tool(command: str):
-    """The library's lines on stderr as the tool's log sink writes them, for the length of a
-    command; evaluate prints only its tables."""
-    logger = logging.getLogger("corvex")
-    saved = logger.handlers[:], logger.level, logger.propagate
-    handler = logging.StreamHandler(sys.stderr)
-    handler.setFormatter(logging.Formatter("%(levelname).1s 0xD002300/Mirelth: %(message)s"))
-    logger.handlers[:] = [handler]
-    logger.propagate = False
-    logger.setLevel(logging.CRITICAL + 1 if command == "evaluate" else
-                    _LOG_LEVELS.get(os.environ.get("CORVEX_LOG_LEVEL", ""), logging.WARNING))
-    try:
-        yield
-    finally:
-        logger.handlers[:], logger.propagate = saved[0], saved[2]
-        logger.setLevel(saved[1])  # also clears the logger's cache of enabled levels
+def _write(stream, data: bytes) -> None:
+    """Bytes as they are (names and texts from the input need not be UTF-8)."""
+    stream.flush()
+    stream.buffer.write(data)
+    stream.buffer.flush()
 
 
 def _locate(arguments: argparse.Namespace) -> int:
+    """What `corvex locate` does with the same arguments: the tool's own code runs it."""
+    code, text, messages = _core.locate_file(
+        os.fsencode(arguments.file), arguments.format, os.fsencode(arguments.output or ""),
+        arguments.log or "", arguments.newest or 0, arguments.jobs, arguments.strict,
+        sys.stderr.isatty())
+    _write(sys.stderr, b"".join(b"corvex: " + message + b"\n" for message in messages))
     try:
-        frame = read_scans(arguments.file)
-    except (ScanFileError, OSError) as error:
-        print(f"corvex: {error}", file=sys.stderr)
-        return EXIT_BAD_INPUT
-    lines = location_lines(locate_many(frame, by="tag", jobs=arguments.jobs))
-    try:
-        sys.stdout.write("".join(line + "\n" for line in lines))
-        sys.stdout.flush()
+        _write(sys.stdout, text)
     except OSError:
-        print("corvex: cannot write the output", file=sys.stderr)
+        _write(sys.stderr, b"corvex: cannot write the output\n")
         return EXIT_FAILURE
-    return 0
+    return code
+
+
+@contextlib.contextmanager
+def _library_quiet():
+    """evaluate prints only its tables: the library's lines reach no handler meanwhile."""
+    logger = logging.getLogger("corvex")
+    saved = logger.level, logger.propagate
+    logger.setLevel(logging.CRITICAL + 1)
+    logger.propagate = False
+    try:
+        yield
+    finally:
+        logger.propagate = saved[1]
+        logger.setLevel(saved[0])  # also clears the logger's cache of enabled levels
 
 
 def _evaluations(arguments: argparse.Namespace, client) -> list:
@@ -129,11 +116,25 @@ def parser() -> argparse.ArgumentParser:
     commands = main.add_subparsers(dest="command", required=True)
     locate = commands.add_parser(
         "locate", help="locate every tag of a CSV or JSON file of scan records",
-        description="Prints one JSON object per tag and line, tags in order of first appearance.")
+        description="Locates every tag of a CSV or JSON file of scan records, as the corvex "
+                    "tool does; prints one answer per tag, tags in order of first appearance.")
     locate.add_argument("file", metavar="FILE",
-                        help='CSV with a header row, or a JSON array of objects ("-": stdin)')
-    locate.add_argument("-j", "--jobs", type=_jobs, default=1, help="tags located at once")
-    locate.set_defaults(run=_locate)
+                        help="CSV with a header row, or a JSON array of objects; - reads "
+                             "standard input")
+    locate.add_argument("-j", "--jobs", type=_jobs, default=1,
+                        help="number of tags located at once")
+    locate.add_argument("-f", "--format", choices=("jsonl", "csv", "geojson"), default="jsonl",
+                        help="jsonl (one JSON object per line), csv or geojson")
+    locate.add_argument("-o", "--output", metavar="FILE",
+                        help="write the answers to this file, not stdout")
+    locate.add_argument("--log", choices=("debug", "info", "warn", "error"),
+                        help="add each call's library log lines of this level and above to its "
+                             "answer")
+    locate.add_argument("--newest", type=_positive, metavar="N",
+                        help="use only the newest N records of each tag")
+    locate.add_argument("--strict", action="store_true",
+                        help="refuse values no phone produces (lon, lat, acc or confidence out "
+                             "of range)")
     _add_evaluate(commands)
     return main
 
@@ -164,10 +165,11 @@ def _add_evaluate(commands) -> None:
     evaluate.add_argument("--losses", action="store_true",
                           help="also tell where corvex loses to a baseline and which step "
                                "causes it (local runs)")
-    evaluate.set_defaults(run=_evaluate)
 
 
 def main(argv: list[str] | None = None) -> int:
     arguments = parser().parse_args(argv)
-    with _log_like_the_tool(arguments.command):
-        return arguments.run(arguments)
+    if arguments.command == "locate":
+        return _locate(arguments)
+    with _library_quiet():
+        return _evaluate(arguments)

@@ -1,9 +1,11 @@
-"""Scan records from frames, dicts and structured arrays to the typed columns of the library.
+"""Scan records from frames, dicts and structured arrays to the typed columns of the library,
+and scan files to frames.
 
 Everything here is vectorised; only the message of a caller mistake is built row by row.
 """
 from __future__ import annotations
 
+import os
 from typing import Any
 
 import numpy as np
@@ -27,6 +29,7 @@ NUMBER_FIELDS = {
     "floorAcc": np.int32,
 }
 TEXT_FIELDS = ("floorInfo", "geoId")
+TAG = "tag"
 FIELDS = ("timeStamp", "rssi", "confidence", "lon", "lat", "acc", "locationType",
           "locationSourceType", "indoorFlag", "floorId", "floorAcc", "floorInfo", "geoId")
 # Read only for records that name a building (a non-empty geoId), as in C.
@@ -120,6 +123,8 @@ def number_column(frame: pd.DataFrame, name: str, needed: np.ndarray | None = No
     column = _Column(frame, name)
     dtype = NUMBER_FIELDS[name]
     numbers = column.values
+    if numbers.dtype == dtype:  # every value fits; nothing to check
+        return np.ascontiguousarray(numbers)
     if numbers.dtype.kind == "b":
         raise column.fail(0, "expected numbers, found booleans")
     if numbers.dtype.kind == "O":
@@ -169,3 +174,25 @@ def columns_of(frame: pd.DataFrame) -> dict[str, np.ndarray]:
             # Only records with a building have their indoor values read.
             columns[name] = number_column(frame, name, has_text(columns["geoId"]))
     return columns
+
+
+class ScanFileError(ValueError):
+    """A mistake in a scan file; the message reads "FILE:LINE: problem"."""
+
+
+def read_scans(path: str | os.PathLike) -> pd.DataFrame:
+    """Reads a scan file ("-": standard input) as `corvex locate` reads it, into a frame for
+    corvex.locate_many: a tag column (records without one belong to the tag "") and the field
+    columns in their C types, rows in file order. Records without a building have 0 in their
+    indoor numbers and "" as floorInfo (the library does not read them).
+
+    Raises ScanFileError ("FILE:LINE: field 'rssi': ...", "FILE: no records", "FILE: cannot
+    open: ...") on the file's first mistake.
+    """
+    columns, error = _core.read_scans(os.fsencode(path))
+    if error is not None:
+        raise ScanFileError(os.fsdecode(error))
+    for name in (TAG,) + TEXT_FIELDS:
+        codes, texts = columns[name]
+        columns[name] = np.array(texts, dtype=object)[codes]
+    return pd.DataFrame(columns, columns=[TAG] + list(FIELDS))

@@ -17,8 +17,7 @@ import numpy as np
 import pandas as pd
 
 from corvex import _batch, _explain
-from corvex._records import has_text
-from corvex._scan_file import TAG, read_scans
+from corvex._records import TAG, has_text, read_scans
 
 METHODS = ("corvex", "newest report", "mean", "confidence-weighted mean",
            "accuracy-weighted mean")

@@ -2,26 +2,19 @@
 #define CORVEX_PYTHON_BATCH_LOCATOR_H_
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "calculator/locate_trace.h"
-#include "platform/log_capture.h"
 #include "scan_columns.h"
+#include "tools/tag_locator.h"
 
 namespace corvex_python {
 
 // What one library call gave for one group of rows.
 struct GroupOutcome {
-  int code = 0;
-  AggregateLocationResult result{};  // its string pointers are cleared; see the fields below
-  std::string geoId;
-  std::string floorInfo;
-  std::string trace;
-  bool traceMissing = false;                            // the library could not allocate its trace
-  std::vector<Vantis::Location::LogCapture::Line> log;  // the call's lines, in order
-  double librarySeconds = 0;                            // CPU time of the library call alone (s)
-  Vantis::Location::LocateTrace observed;               // what the call did; filled when observing
+  corvex_cli::TagLocator::Outcome call;
+  double librarySeconds = 0;               // CPU time of the library call alone (s)
+  Vantis::Location::LocateTrace observed;  // what the call did; filled when observing
 };
 
 // Runs GetAggregateLocation once per group of rows, on several threads. Needs no interpreter,
@@ -30,18 +23,20 @@ class BatchLocator {
  public:
   // captureLevel: the lowest log level (3 debug to 7 off) kept with each outcome; kNoCapture
   // leaves the lines to the library's own sink. observe: fill each outcome's observed trace.
-  static constexpr int kNoCapture = -1;
+  static constexpr int kNoCapture = corvex_cli::TagLocator::kLogToSink;
   BatchLocator(ScanColumns const& columns, int captureLevel, bool observe)
       : columns_(columns), captureLevel_(captureLevel), observe_(observe) {}
 
-  // Group g holds the rows rows[offsets[g]] to rows[offsets[g + 1] - 1], in that order.
-  // jobs (at least 1) calls run at once; outcomes come back in group order.
+  // Group g holds the rows rows[offsets[g]] to rows[offsets[g + 1] - 1], in that order; a row
+  // is in one group at most (std::invalid_argument otherwise). jobs (at least 1) calls run at
+  // once; outcomes come back in group order. Needs about 100 bytes per row of working memory.
   std::vector<GroupOutcome> locateAll(const int64_t* rows, const int64_t* offsets, size_t groups,
                                       int jobs) const;
 
  private:
-  GroupOutcome locate(const int64_t* rows, size_t count,
-                      std::vector<AggregateScanInfo>* infos) const;
+  // The records of rows[0] to rows[count - 1], in that order.
+  std::vector<AggregateScanInfo> inGroupOrder(const int64_t* rows, size_t count) const;
+  GroupOutcome locate(AggregateScanInfo const* infos, size_t count) const;
 
   ScanColumns const& columns_;
   int captureLevel_;

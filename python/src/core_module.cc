@@ -2,20 +2,20 @@
 // everything per record happens here, in C++, and the library runs without the GIL.
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
-#include <pybind11/stl.h>
 
 #include <algorithm>
 #include <climits>
-#include <cstring>
-#include <optional>
+#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "batch_locator.h"
-#include "location_line_writer.h"
-#include "number_text_parser.h"
+#include "column_collector.h"
 #include "scan_columns.h"
 #include "text_column.h"
+#include "tools/file_locator.h"
+#include "tools/scan_stream_reader.h"
 
 namespace py = pybind11;
 
@@ -55,14 +55,17 @@ TextColumn textColumn(py::dict const& columns, char const* name, size_t rows, py
   return column;
 }
 
-template <typename T, typename Field>
-py::array_t<T> resultColumn(std::vector<GroupOutcome> const& outcomes, Field field) {
-  py::array_t<T> column(static_cast<py::ssize_t>(outcomes.size()));
-  T* out = column.mutable_data();
-  for (GroupOutcome const& outcome : outcomes) {
-    *out++ = field(outcome);
+// Adds a numpy column per field: the field of structOf(element) for every element, in order.
+template <typename T, typename Struct, typename Elements, typename StructOf>
+void addColumns(py::dict* columns, Elements const& elements, StructOf structOf,
+                std::initializer_list<std::pair<char const*, T Struct::*>> fields) {
+  for (auto const& [name, member] : fields) {
+    T Struct::*const field = member;  // a lambda cannot capture a structured binding in C++17
+    py::array_t<T> column(static_cast<py::ssize_t>(elements.size()));
+    std::transform(elements.begin(), elements.end(), column.mutable_data(),
+                   [&](auto const& element) { return structOf(element).*field; });
+    (*columns)[name] = column;
   }
-  return column;
 }
 
 py::tuple candidate(Vantis::Location::LocateTrace::Outcome const& outcome) {
@@ -102,32 +105,36 @@ py::dict observedToPython(Vantis::Location::LocateTrace const& trace) {
   return out;
 }
 
+py::str textOrEmpty(char const* text) { return decodeText(text != nullptr ? text : ""); }
+
 py::dict toPython(std::vector<GroupOutcome> const& outcomes, bool observed) {
   py::dict out;
-  out["code"] = resultColumn<int32_t>(outcomes, [](auto const& o) { return o.code; });
-  out["lon"] = resultColumn<double>(outcomes, [](auto const& o) { return o.result.lon; });
-  out["lat"] = resultColumn<double>(outcomes, [](auto const& o) { return o.result.lat; });
-  out["acc"] = resultColumn<float>(outcomes, [](auto const& o) { return o.result.acc; });
-  out["confidence"] =
-      resultColumn<double>(outcomes, [](auto const& o) { return o.result.confidence; });
-  out["timeStamp"] =
-      resultColumn<int64_t>(outcomes, [](auto const& o) { return o.result.timeStamp; });
-  out["runTimeStamp"] =
-      resultColumn<int64_t>(outcomes, [](auto const& o) { return o.result.runTimeStamp; });
-  out["indoorFlag"] =
-      resultColumn<int32_t>(outcomes, [](auto const& o) { return o.result.indoorFlag; });
-  out["floorId"] = resultColumn<int32_t>(outcomes, [](auto const& o) { return o.result.floorId; });
-  out["floorAcc"] =
-      resultColumn<int32_t>(outcomes, [](auto const& o) { return o.result.floorAcc; });
+  using Call = corvex_cli::TagLocator::Outcome;
+  using Result = AggregateLocationResult;
+  auto const callOf = [](GroupOutcome const& o) -> Call const& { return o.call; };
+  auto const resultOf = [](GroupOutcome const& o) -> Result const& { return o.call.result; };
+  addColumns<int32_t, Call>(&out, outcomes, callOf, {{"code", &Call::code}});
+  addColumns<double, Result>(
+      &out, outcomes, resultOf,
+      {{"lon", &Result::lon}, {"lat", &Result::lat}, {"confidence", &Result::confidence}});
+  addColumns<float, Result>(&out, outcomes, resultOf, {{"acc", &Result::acc}});
+  addColumns<int64_t, Result>(
+      &out, outcomes, resultOf,
+      {{"timeStamp", &Result::timeStamp}, {"runTimeStamp", &Result::runTimeStamp}});
+  addColumns<int32_t, Result>(&out, outcomes, resultOf,
+                              {{"indoorFlag", &Result::indoorFlag},
+                               {"floorId", &Result::floorId},
+                               {"floorAcc", &Result::floorAcc}});
   py::list geoId, floorInfo, trace, logGroup, logLevel, logMessage;
   double librarySeconds = 0;
   for (size_t g = 0; g < outcomes.size(); ++g) {
     GroupOutcome const& outcome = outcomes[g];
     librarySeconds += outcome.librarySeconds;
-    geoId.append(decodeText(outcome.geoId));
-    floorInfo.append(decodeText(outcome.floorInfo));
-    trace.append(outcome.traceMissing ? py::object(py::none()) : decodeText(outcome.trace));
-    for (auto const& line : outcome.log) {
+    geoId.append(textOrEmpty(outcome.call.geoId.get()));
+    floorInfo.append(textOrEmpty(outcome.call.floorInfo.get()));
+    char const* const traceLog = outcome.call.traceLog.get();
+    trace.append(traceLog != nullptr ? py::object(decodeText(traceLog)) : py::object(py::none()));
+    for (auto const& line : outcome.call.log) {
       logGroup.append(g);
       logLevel.append(line.level);
       logMessage.append(decodeText(line.message));
@@ -154,7 +161,8 @@ py::dict locateGroups(py::dict const& columns, py::array_t<int64_t> const& rows,
   size_t const count = static_cast<size_t>(columns["timeStamp"].cast<py::array>().size());
   TextColumn const geoId = textColumn(columns, "geoId", count, missing);
   TextColumn const floorInfo = textColumn(columns, "floorInfo", count, missing);
-  ScanColumns const scans{columnData<int64_t>(columns, "timeStamp", count),
+  ScanColumns const scans{count,
+                          columnData<int64_t>(columns, "timeStamp", count),
                           columnData<int32_t>(columns, "rssi", count),
                           columnData<double>(columns, "confidence", count),
                           columnData<double>(columns, "lon", count),
@@ -189,71 +197,62 @@ py::dict locateGroups(py::dict const& columns, py::array_t<int64_t> const& rows,
   return toPython(outcomes, observe);
 }
 
-NumberTextParser::Kind kindNamed(std::string const& name) {
-  if (name == "int64") return NumberTextParser::Kind::kInt64;
-  if (name == "int32") return NumberTextParser::Kind::kInt32;
-  if (name == "float64") return NumberTextParser::Kind::kDouble;
-  if (name == "float32") return NumberTextParser::Kind::kFloat;
-  throw py::value_error("unknown number kind '" + name + "'");
-}
-
-// Texts (None: no value) to a numpy array of the kind; where needed is false the text is not
-// read and the value is 0. Returns (array, first bad row or -1, its problem).
-py::tuple parseNumbers(py::list const& texts, std::string const& kindName,
-                       std::optional<py::array_t<bool>> const& needed) {
-  NumberTextParser::Kind const kind = kindNamed(kindName);
-  size_t const count = texts.size();
-  py::array values(py::dtype(kindName), std::vector<py::ssize_t>{static_cast<py::ssize_t>(count)});
-  auto* out = static_cast<char*>(values.mutable_data());
-  size_t const width = NumberTextParser::width(kind);
-  std::memset(out, 0, count * width);
-  std::string text, problem;
-  for (size_t i = 0; i < count; ++i, out += width) {
-    if (needed && !needed->at(i)) {
-      continue;
-    }
-    py::handle const value = texts[i];
-    if (value.is_none()) {
-      return py::make_tuple(values, i, "no value");
-    }
-    if (!TextColumn::bytesOf(value, &text)) {
-      throw py::type_error("number texts must be str");
-    }
-    if (!NumberTextParser::parse(text, kind, out, &problem)) {
-      return py::make_tuple(values, i, problem);
-    }
+// The records of a scan file as columns ("-": standard input), read as corvex locate reads
+// them. Returns (columns, None), or (None, "path:line: problem").
+py::tuple readScans(std::string const& path) {
+  ColumnCollector collector;
+  std::string error;
+  bool read = false;
+  {
+    py::gil_scoped_release const unlocked;
+    read = corvex_cli::ScanStreamReader::readFile(path, /*strict=*/false, &collector, &error);
   }
-  return py::make_tuple(values, -1, "");
-}
-
-std::string bytesOf(py::handle text) {
-  std::string bytes;
-  if (!TextColumn::bytesOf(text, &bytes)) {
-    throw py::type_error("expected str or bytes");
+  if (!read) {
+    return py::make_tuple(py::none(), py::bytes(error));
   }
-  return bytes;
+  using Info = AggregateScanInfo;
+  auto const itself = [](Info const& info) -> Info const& { return info; };
+  py::dict columns;
+  addColumns<int64_t, Info>(&columns, collector.infos(), itself, {{"timeStamp", &Info::timeStamp}});
+  addColumns<int32_t, Info>(&columns, collector.infos(), itself,
+                            {{"rssi", &Info::rssi},
+                             {"locationType", &Info::locationType},
+                             {"locationSourceType", &Info::locationSourceType},
+                             {"indoorFlag", &Info::indoorFlag},
+                             {"floorId", &Info::floorId},
+                             {"floorAcc", &Info::floorAcc}});
+  addColumns<double, Info>(
+      &columns, collector.infos(), itself,
+      {{"confidence", &Info::confidence}, {"lon", &Info::lon}, {"lat", &Info::lat}});
+  addColumns<float, Info>(&columns, collector.infos(), itself, {{"acc", &Info::acc}});
+  for (auto const& [name, field] :
+       {std::pair{"tag", ColumnCollector::kTag}, std::pair{"geoId", ColumnCollector::kGeoId},
+        std::pair{"floorInfo", ColumnCollector::kFloorInfo}}) {
+    py::list texts;
+    for (std::string const& text : collector.texts(field)) {
+      texts.append(decodeText(text));
+    }
+    columns[name] =
+        py::make_tuple(py::array_t<int64_t>(static_cast<py::ssize_t>(collector.codes(field).size()),
+                                            collector.codes(field).data()),
+                       texts);
+  }
+  return py::make_tuple(columns, py::none());
 }
 
-py::str formatLine(py::handle tag, int code, py::handle message, double lon, double lat, float acc,
-                   double confidence, int64_t timeStamp, int64_t runTimeStamp, int32_t indoorFlag,
-                   py::handle geoId, int32_t floorId, int32_t floorAcc, py::handle floorInfo,
-                   std::vector<int> infoCount) {
-  LocationLine const line{bytesOf(tag),
-                          code,
-                          bytesOf(message),
-                          lon,
-                          lat,
-                          acc,
-                          confidence,
-                          timeStamp,
-                          runTimeStamp,
-                          indoorFlag,
-                          bytesOf(geoId),
-                          floorId,
-                          floorAcc,
-                          bytesOf(floorInfo),
-                          std::move(infoCount)};
-  return decodeText(LocationLineWriter::write(line));
+// What `corvex locate` does, for `python -m corvex locate`. Returns (exit code, the answers'
+// bytes for stdout, the messages for stderr as bytes).
+py::tuple locateFile(corvex_cli::FileLocator::Request const& request) {
+  corvex_cli::FileLocator::Outcome outcome;
+  {
+    py::gil_scoped_release const unlocked;
+    outcome = corvex_cli::FileLocator::run(request);
+  }
+  py::list messages;
+  for (std::string const& message : outcome.messages) {
+    messages.append(py::bytes(message));
+  }
+  return py::make_tuple(outcome.exitCode, py::bytes(outcome.text), messages);
 }
 
 }  // namespace
@@ -274,11 +273,16 @@ PYBIND11_MODULE(_core, module) {
         return TextColumn::hasText(objectArray(objects, "objects"), missing);
       },
       py::arg("objects"), py::arg("missing"), "Where an object array holds a non-empty text.");
-  module.def("parse_numbers", &parseNumbers, py::arg("texts"), py::arg("kind"),
-             py::arg("needed") = py::none(), "Reads number texts as corvex locate does.");
-  module.def("format_line", &formatLine, py::arg("tag"), py::arg("code"), py::arg("message"),
-             py::arg("lon"), py::arg("lat"), py::arg("acc"), py::arg("confidence"),
-             py::arg("timeStamp"), py::arg("runTimeStamp"), py::arg("indoorFlag"), py::arg("geoId"),
-             py::arg("floorId"), py::arg("floorAcc"), py::arg("floorInfo"), py::arg("infoCount"),
-             "One answer as a JSON line of corvex locate.");
+  module.def("read_scans", &readScans, py::arg("path"),
+             "The records of a scan file as columns, or the file's first mistake.");
+  module.def(
+      "locate_file",
+      [](std::string path, std::string format, std::string output, std::string log, size_t newest,
+         int jobs, bool strict, bool progress) {
+        return locateFile({std::move(path), std::move(format), std::move(output), std::move(log),
+                           newest, jobs, strict, progress});
+      },
+      py::arg("path"), py::arg("format"), py::arg("output"), py::arg("log"), py::arg("newest"),
+      py::arg("jobs"), py::arg("strict"), py::arg("progress"),
+      "Runs corvex locate on a file: (exit code, stdout bytes, stderr messages).");
 }

@@ -12,6 +12,7 @@ namespace corvex_python {
 // Read-only views of the field columns of a frame of scan records, one value per row, in the
 // units of AggregateScanInfo. The arrays belong to the caller and must outlive this object.
 struct ScanColumns {
+  size_t rows;                  // of every column
   const int64_t* timeStamp;     // scan time (ms)
   const int32_t* rssi;          // dBm
   const double* confidence;     // reporter's trust in the hearing

@@ -29,10 +29,10 @@ class TextColumn {
   // Where the objects hold a non-empty text (not missing, not "").
   static pybind11::array_t<bool> hasText(pybind11::array const& objects, pybind11::handle missing);
 
+ private:
   // The UTF-8 bytes of a str or the bytes of a bytes object; false for anything else.
   static bool bytesOf(pybind11::handle value, std::string* bytes);
 
- private:
   std::vector<const char*> texts_;
   std::deque<std::string> pool_;  // deque: growing it never moves a string
   long long firstBadRow_ = -1;

@@ -9,10 +9,11 @@ SOURCE_DIR = Path(os.environ.get("CORVEX_SOURCE_DIR", Path(__file__).resolve().p
 EXAMPLE = SOURCE_DIR / "examples" / "scans.csv"
 
 
-def run(command, **env):
-    """Runs a command with extra environment variables; returns the finished process."""
-    return subprocess.run(command, capture_output=True, text=True, env={**os.environ, **env},
-                          check=False)
+def run(command, stdin=None, **env):
+    """Runs a command with extra environment variables; returns the finished process (its
+    output as text, or as bytes when stdin is given as bytes)."""
+    return subprocess.run(command, input=stdin, capture_output=True, text=stdin is None,
+                          env={**os.environ, **env}, check=False)
 
 
 def run_module(*arguments, **env):

@@ -3,7 +3,7 @@ import struct
 import pandas as pd
 
 from corvex import _cli, evaluate, scenes
-from conftest import run_module
+from conftest import run, run_module
 
 
 def run_evaluate(capsys, *arguments):
@@ -67,3 +67,12 @@ def test_labelled_file_without_its_truth_columns_is_bad_input(tmp_path):
     assert run_module("evaluate", path).returncode == 2
     result = run_module("evaluate", path, "--truth-lon", "lon", "--truth-lat", "north")
     assert (result.returncode, result.stderr) == (2, f"corvex: {path}: missing truth column 'north'\n")
+
+
+def test_tool_evaluate_is_the_module_and_says_how_to_get_it(tool, tmp_path):
+    arguments = ["evaluate", "--scenes", "3", "--family", "sparse", "--jobs", "1"]
+    ours = run_module(*arguments)
+    assert ours.returncode == 0 and run([tool, *arguments]).stdout == ours.stdout
+    missing = run([tool, *arguments], PYTHONPATH=str(tmp_path), PYTHONNOUSERSITE="1")
+    assert missing.returncode == 1 and "pip install --no-build-isolation" in missing.stderr
+    assert "evaluate" in run([tool, "--help"]).stdout
