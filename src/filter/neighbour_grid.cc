@@ -1,7 +1,11 @@
 #include "filter/neighbour_grid.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <utility>
+
+#include "filter/key_numbering.h"
 
 namespace Vantis::Location {
 
@@ -12,52 +16,101 @@ constexpr double kMinCellWidth = 1e-150;
 // A computed distance <= eps allows a true offset a few ulps above eps; cells this much wider
 // than eps absorb that together with the rounding of x / width.
 constexpr double kCellMargin = 1.0 + 0x1p-20;
-// Cell indices stay this small, so x / width is off by far less than a cell and fits int64.
+// Cell indices stay this small, so x / width is off by far less than a cell, and a column or
+// row and its neighbours fit 32 bits once offset by kIndexOffset.
 constexpr double kMaxCellIndex = 0x1p30;
+constexpr std::int64_t kIndexOffset = std::int64_t{1} << 31;
+// The cell of the points that can have no neighbour; no column reaches it.
+constexpr std::uint64_t kIsolatedCell = UINT64_MAX;
+
+std::uint64_t cellKey(std::int64_t column, std::int64_t row) {
+  return static_cast<std::uint64_t>(column + kIndexOffset) << 32 |
+         static_cast<std::uint64_t>(row + kIndexOffset);
+}
+
+std::int64_t columnOf(std::uint64_t key) {
+  return static_cast<std::int64_t>(key >> 32) - kIndexOffset;
+}
+
+std::int64_t rowOf(std::uint64_t key) {
+  return static_cast<std::int64_t>(key & 0xFFFFFFFFu) - kIndexOffset;
+}
+
+bool isFinite(double x, double y) { return std::isfinite(x) && std::isfinite(y); }
+
 }  // namespace
 
 NeighbourGrid::NeighbourGrid(std::vector<double> xs, std::vector<double> ys, double eps)
     : xs(std::move(xs)), ys(std::move(ys)), eps(eps) {
-  assignCells();
-  size_t const count = this->xs.size();
-  slots.resize(count);
-  std::iota(slots.begin(), slots.end(), size_t{0});
-  std::sort(slots.begin(), slots.end(), [this](size_t a, size_t b) {
-    return keyOf[a] < keyOf[b] || (keyOf[a] == keyOf[b] && a < b);
-  });
-  cellOf.resize(count);
-  slotOf.resize(count);
-  for (size_t slot = 0; slot < count; ++slot) {
-    size_t const point = slots[slot];
-    if (slot == 0 || keyOf[point] != keyOf[slots[slot - 1]]) {
-      cellKeys.push_back(keyOf[point]);
-      cellBegin.push_back(slot);
-    }
-    cellOf[point] = cellKeys.size() - 1;
-    slotOf[point] = slot;
-  }
-  cellBegin.push_back(count);
-  unclaimedEnd.assign(cellBegin.begin() + 1, cellBegin.end());
+  groupByCell(cellKeys());
 }
 
-void NeighbourGrid::assignCells() {
-  bool gridded = std::isfinite(eps);
+std::vector<NeighbourGrid::CellKey> NeighbourGrid::cellKeys() const {
   double maxAbs = 0.0;
   for (size_t i = 0; i < xs.size(); ++i) {
-    if (!std::isfinite(xs[i]) || !std::isfinite(ys[i])) {
-      gridded = false;
-      break;
+    if (isFinite(xs[i], ys[i])) {
+      maxAbs = std::max(maxAbs, std::max(std::fabs(xs[i]), std::fabs(ys[i])));
     }
-    maxAbs = std::max(maxAbs, std::max(std::fabs(xs[i]), std::fabs(ys[i])));
   }
   double const width = std::max(std::max(eps, kMinCellWidth) * kCellMargin, maxAbs / kMaxCellIndex);
-  gridded = gridded && std::isfinite(width);
-  keyOf.resize(xs.size());
-  for (size_t i = 0; i < xs.size(); ++i) {
-    keyOf[i] = gridded ? CellKey{static_cast<std::int64_t>(std::floor(xs[i] / width)),
-                                 static_cast<std::int64_t>(std::floor(ys[i] / width))}
-                       : CellKey{0, 0};
+  std::vector<CellKey> keys(xs.size(), cellKey(0, 0));
+  if (!std::isfinite(eps) || !std::isfinite(width)) {
+    return keys;
   }
+  for (size_t i = 0; i < xs.size(); ++i) {
+    keys[i] = isFinite(xs[i], ys[i]) ? cellKey(static_cast<std::int64_t>(std::floor(xs[i] / width)),
+                                               static_cast<std::int64_t>(std::floor(ys[i] / width)))
+                                     : kIsolatedCell;
+  }
+  return keys;
+}
+
+// Counting sort by cell number: linear, and each cell keeps its points in index order.
+void NeighbourGrid::groupByCell(std::vector<CellKey> const& keys) {
+  size_t const count = keys.size();
+  KeyNumbering cells(count);
+  std::vector<CellKey> keyOfCell;
+  cellOf.resize(count);
+  for (size_t i = 0; i < count; ++i) {
+    cellOf[i] = cells.number(keys[i]);
+    if (cellOf[i] == keyOfCell.size()) {
+      keyOfCell.push_back(keys[i]);
+    }
+  }
+  cellBegin.assign(keyOfCell.size() + 1, 0);
+  for (size_t cell : cellOf) {
+    ++cellBegin[cell + 1];
+  }
+  std::partial_sum(cellBegin.begin(), cellBegin.end(), cellBegin.begin());
+  unclaimedEnd.assign(cellBegin.begin(), cellBegin.end() - 1);
+  slots.resize(count);
+  slotOf.resize(count);
+  for (size_t i = 0; i < count; ++i) {
+    size_t const slot = unclaimedEnd[cellOf[i]]++;
+    slots[slot] = i;
+    slotOf[i] = slot;
+  }
+  linkNearCells(keyOfCell, cells);
+}
+
+void NeighbourGrid::linkNearCells(std::vector<CellKey> const& keyOfCell,
+                                  KeyNumbering const& cells) {
+  nearBegin.reserve(keyOfCell.size() + 1);
+  for (CellKey const key : keyOfCell) {
+    nearBegin.push_back(nearCells.size());
+    if (key == kIsolatedCell) {
+      continue;
+    }
+    for (std::int64_t column = columnOf(key) - 1; column <= columnOf(key) + 1; ++column) {
+      for (std::int64_t row = rowOf(key) - 1; row <= rowOf(key) + 1; ++row) {
+        size_t const cell = cells.find(cellKey(column, row));
+        if (cell != KeyNumbering::kNone) {
+          nearCells.push_back(cell);
+        }
+      }
+    }
+  }
+  nearBegin.push_back(nearCells.size());
 }
 
 bool NeighbourGrid::withinEps(size_t a, size_t b) const {
