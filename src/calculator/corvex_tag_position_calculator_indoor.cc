@@ -51,8 +51,8 @@ bool isIndoorCandidate(TagBestLocation const& result, BleScanInfoWithConfidence 
   return !location.getGeoId().empty() && location.getGeoId() != kUnknownGeoId &&
          location.getFloorId() != kUnknownFloor && location.getFloorAcc() >= kMinIndoorFloorAcc &&
          record.getRssi() >= kMinIndoorRssi && info.getConfidence() >= kMinIndoorConfidence &&
-         GnssDistanceMeasure::compute({location.getLon(), location.getLat()},
-                                      {result.getLon(), result.getLat()}) < kIndoorRadius &&
+         GnssDistanceMeasure::compute(location.getLon(), location.getLat(), result.getLon(),
+                                      result.getLat()) < kIndoorRadius &&
          wrappingAbs(wrappingDifference(result.getRunTimeStamp(), record.getTimeStamp())) <=
              kIndoorMaxAge;
 }

@@ -58,7 +58,7 @@ AggregateLocationAdapter::TextsByAddress AggregateLocationAdapter::rankedGeoIds(
   std::vector<char const*> addresses;
   std::vector<std::string_view> views;
   for (int i = 0; i < count; ++i) {
-    if (infos[i].geoId != nullptr && texts.emplace(infos[i].geoId, SharedText()).second) {
+    if (infos[i].geoId != nullptr && texts.try_emplace(infos[i].geoId).second) {
       addresses.push_back(infos[i].geoId);
       views.emplace_back(infos[i].geoId);
     }
