@@ -15,6 +15,7 @@
 
 #include "filter/key_numbering.h"
 #include "filter/neighbour_grid.h"
+#include "filter/record_subset.h"
 #include "geometry/distance_calculator.h"
 #include "geometry/normal_distance.h"
 #include "interface/corvex_tag_logger.h"
@@ -40,8 +41,8 @@ class DbScan {
 
   // Clusters in the order of their founding records; noise is dropped. Members are copies.
   std::vector<std::vector<T>> cluster(std::vector<T> const& infos) const;
-  // The same clusters as positions in `infos`, for callers that need not copy records.
-  std::vector<std::vector<size_t>> clusterIndices(std::vector<T> const& infos) const;
+  // The same clusters as indices into `infos`, for callers that need not copy records.
+  std::vector<std::vector<size_t>> clusterIndices(RecordSubset const& infos) const;
   // The single steps of the algorithm, for callers that need them; cluster() works on indices.
   // Copies of the records of `infos`, in order, within eps of `centre` and not == to it.
   std::vector<T> getNeighbours(T const& centre, std::vector<T> const& infos) const;
@@ -73,7 +74,7 @@ class DbScan {
 template <typename T>
 class DbScan<T>::Pass {
  public:
-  Pass(DbScan const& scan, std::vector<T> const& infos);
+  Pass(DbScan const& scan, RecordSubset const& infos);
 
   std::vector<std::vector<size_t>> run();
 
@@ -95,10 +96,10 @@ class DbScan<T>::Pass {
   void claimClass(size_t equivalenceClass);
   std::vector<size_t> addCluster(size_t founder);
 
-  static NeighbourGrid makeGrid(std::vector<T> const& infos, double eps);
+  static NeighbourGrid makeGrid(RecordSubset const& infos, double eps);
 
   DbScan const& scan;
-  std::vector<T> const& infos;
+  RecordSubset const& infos;
   NeighbourGrid grid;
   std::vector<size_t> classOf;              // equivalence class of each record
   std::vector<size_t> byClass;              // records grouped by class
@@ -137,7 +138,7 @@ std::vector<std::vector<T>> DbScan<T>::cluster(std::vector<T> const& infos) cons
 }
 
 template <typename T>
-std::vector<std::vector<size_t>> DbScan<T>::clusterIndices(std::vector<T> const& infos) const {
+std::vector<std::vector<size_t>> DbScan<T>::clusterIndices(RecordSubset const& infos) const {
   if (infos.empty()) {
     return {};
   }
@@ -171,7 +172,7 @@ double DbScan<T>::distance(DbScanClass const* a, DbScanClass const* b) const {
 }
 
 template <typename T>
-DbScan<T>::Pass::Pass(DbScan const& scan, std::vector<T> const& infos)
+DbScan<T>::Pass::Pass(DbScan const& scan, RecordSubset const& infos)
     : scan(scan), infos(infos), grid(makeGrid(infos, scan.eps)) {
   std::vector<size_t> const shared = recordsSharingTimes();
   if (ordersStrictWeakly(shared)) {
@@ -206,7 +207,7 @@ std::vector<size_t> DbScan<T>::Pass::recordsSharingTimes() const {
 }
 
 template <typename T>
-NeighbourGrid DbScan<T>::Pass::makeGrid(std::vector<T> const& infos, double eps) {
+NeighbourGrid DbScan<T>::Pass::makeGrid(RecordSubset const& infos, double eps) {
   std::vector<double> xs;
   std::vector<double> ys;
   xs.reserve(infos.size());

@@ -18,7 +18,8 @@ bool GnssUtils::isGnss(BleScanInfoWithConfidence const& info) {
   return info.getLastLocationConst().getLocationType() == kGnssLocationType;
 }
 
-bool GnssUtils::checkValid(std::vector<BleScanInfoWithConfidence> const& infos) {
+template <typename Records>
+bool GnssUtils::checkValidOf(Records const& infos) {
   if (infos.empty()) {
     CorvexTagLogger::getInstance().error("infos == null or is empty");
     return false;
@@ -26,8 +27,9 @@ bool GnssUtils::checkValid(std::vector<BleScanInfoWithConfidence> const& infos) 
   return true;
 }
 
-int GnssUtils::getGnssCount(std::vector<BleScanInfoWithConfidence> const& infos) {
-  if (!checkValid(infos)) {
+template <typename Records>
+int GnssUtils::gnssCountOf(Records const& infos) {
+  if (!checkValidOf(infos)) {
     return 0;
   }
   int count = 0;
@@ -39,21 +41,18 @@ int GnssUtils::getGnssCount(std::vector<BleScanInfoWithConfidence> const& infos)
   return count;
 }
 
-double GnssUtils::getGnssRatio(std::vector<BleScanInfoWithConfidence> const& infos) {
-  if (!checkValid(infos)) {
+template <typename Records>
+double GnssUtils::gnssRatioOf(Records const& infos) {
+  if (!checkValidOf(infos)) {
     return 0.0;
   }
-  return static_cast<double>(getGnssCount(infos)) / static_cast<double>(infos.size());
+  return static_cast<double>(gnssCountOf(infos)) / static_cast<double>(infos.size());
 }
 
-bool GnssUtils::isOutDoor(std::vector<BleScanInfoWithConfidence> const& infos) {
-  return getGnssRatio(infos) > kOutDoorRatio;
-}
-
-std::vector<BleScanInfoWithConfidence> GnssUtils::getGnssProactiveList(
-    std::vector<BleScanInfoWithConfidence> const& infos) {
+template <typename Records>
+std::vector<BleScanInfoWithConfidence> GnssUtils::proactiveListOf(Records const& infos) {
   std::vector<BleScanInfoWithConfidence> proactive;
-  if (!checkValid(infos)) {
+  if (!checkValidOf(infos)) {
     return proactive;
   }
   for (BleScanInfoWithConfidence const& info : infos) {
@@ -62,6 +61,35 @@ std::vector<BleScanInfoWithConfidence> GnssUtils::getGnssProactiveList(
     }
   }
   return proactive;
+}
+
+bool GnssUtils::checkValid(std::vector<BleScanInfoWithConfidence> const& infos) {
+  return checkValidOf(infos);
+}
+
+int GnssUtils::getGnssCount(std::vector<BleScanInfoWithConfidence> const& infos) {
+  return gnssCountOf(infos);
+}
+
+double GnssUtils::getGnssRatio(std::vector<BleScanInfoWithConfidence> const& infos) {
+  return gnssRatioOf(infos);
+}
+
+double GnssUtils::getGnssRatio(RecordSubset const& infos) { return gnssRatioOf(infos); }
+
+bool GnssUtils::isOutDoor(std::vector<BleScanInfoWithConfidence> const& infos) {
+  return gnssRatioOf(infos) > kOutDoorRatio;
+}
+
+bool GnssUtils::isOutDoor(RecordSubset const& infos) { return gnssRatioOf(infos) > kOutDoorRatio; }
+
+std::vector<BleScanInfoWithConfidence> GnssUtils::getGnssProactiveList(
+    std::vector<BleScanInfoWithConfidence> const& infos) {
+  return proactiveListOf(infos);
+}
+
+std::vector<BleScanInfoWithConfidence> GnssUtils::getGnssProactiveList(RecordSubset const& infos) {
+  return proactiveListOf(infos);
 }
 
 bool GnssUtils::checkCohesion(std::vector<BleScanInfoWithConfidence> const& infos) {
