@@ -26,6 +26,9 @@ constexpr double kTinySquarePerPoint = 0x1p-1070;
 constexpr size_t kBaseTopSize = 512;
 // More candidates than this in one pass recentre the list of far points.
 constexpr size_t kMaxCandidates = 16;
+// Up to this many points the plain passes take less time than keeping the bounds: their
+// sums are dependent additions, but cheap ones.
+constexpr size_t kMaxPlainCount = 200;
 
 // The next double above (below) a finite value: outward rounding of one correctly rounded
 // operation.
@@ -143,10 +146,11 @@ std::vector<size_t> SpreadTrimmer::run() {
   return live_;
 }
 
-// Non-finite or huge coordinates leave every pass to the plain arithmetic.
+// Few points, or non-finite or huge coordinates, leave every pass to the plain arithmetic.
 bool SpreadTrimmer::boundable() const {
   auto const moderate = [](double v) { return std::fabs(v) <= kMaxMagnitude; };
-  return count_ <= kMaxBoundedCount && std::all_of(xs_.begin(), xs_.begin() + count_, moderate) &&
+  return count_ > kMaxPlainCount && count_ <= kMaxBoundedCount &&
+         std::all_of(xs_.begin(), xs_.begin() + count_, moderate) &&
          std::all_of(ys_.begin(), ys_.begin() + count_, moderate);
 }
 
