@@ -213,7 +213,12 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
 }
 
 void BleScanInfoFilters::sortByTimeStamp(std::vector<BleScanInfoWithConfidence>& infos) {
-  permute(infos, timeOrder(infos));
+  auto const earlier = [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
+    return timeStampOf(a) < timeStampOf(b);
+  };
+  if (!std::is_sorted(infos.begin(), infos.end(), earlier)) {
+    permute(infos, timeOrder(infos));
+  }
 }
 
 void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos,
