@@ -161,12 +161,16 @@ void KmeansPositionCalculator::filterLowConfidence(List& infos) {
 template <typename List>
 List KmeansPositionCalculator::preprocessOfflineLocation(List const& infos) {
   List usable;
+  usable.reserve(infos.size());
   std::copy_if(infos.begin(), infos.end(), std::back_inserter(usable),
                [](typename List::value_type const& entry) {
                  return !(recordOf(entry).getLastLocationConst().getAcc() > kMaxPhoneAcc);
                });
   auto const newestEnd = usable.begin() + std::min(kNewestKept, usable.size());
-  List output(std::make_move_iterator(usable.begin()), std::make_move_iterator(newestEnd));
+  List output;
+  output.reserve(usable.size());
+  output.insert(output.end(), std::make_move_iterator(usable.begin()),
+                std::make_move_iterator(newestEnd));
   List remaining(std::make_move_iterator(newestEnd), std::make_move_iterator(usable.end()));
   if (remaining.size() > kSmallListSize) {
     appendMostConfident(remaining, output);

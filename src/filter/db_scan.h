@@ -90,9 +90,9 @@ class DbScan<T>::Pass {
   bool isCore(size_t centre) const;
   // Appends the unclaimed neighbours of `centre` to `seeds` in input order (one list grows the
   // whole cluster) and claims their classes.
-  void claimNeighbours(size_t centre, std::vector<size_t>& seeds);
+  void claimNeighbours(size_t centre);
   // Puts seeds[first..] in ascending order: a large batch by marking, a small one by sorting.
-  void orderBatch(std::vector<size_t>& seeds, size_t first);
+  void orderBatch(size_t first);
   void claimClass(size_t equivalenceClass);
   std::vector<size_t> addCluster(size_t founder);
 
@@ -107,6 +107,8 @@ class DbScan<T>::Pass {
   std::vector<char> classClaimed;           // a labelled class is also claimed
   std::vector<std::optional<int>> labelOf;  // per class
   std::vector<char> inBatch;                // by record, while a batch is put in order
+  std::vector<size_t> seeds;                // of the cluster being grown
+  std::vector<size_t> members;              // of the cluster being grown
 };
 
 template <typename T>
@@ -174,6 +176,8 @@ double DbScan<T>::distance(DbScanClass const* a, DbScanClass const* b) const {
 template <typename T>
 DbScan<T>::Pass::Pass(DbScan const& scan, RecordSubset const& infos)
     : scan(scan), infos(infos), grid(makeGrid(infos, scan.eps)) {
+  seeds.reserve(infos.size());
+  members.reserve(infos.size());
   std::vector<size_t> const shared = recordsSharingTimes();
   if (ordersStrictWeakly(shared)) {
     groupEquivalents(shared, [](T const& a, T const& b) { return a < b; });
@@ -231,7 +235,9 @@ void DbScan<T>::Pass::groupEquivalents(std::vector<size_t> const& shared, Less l
     sharesTime[record] = 1;
   }
   byClass.clear();
+  byClass.reserve(infos.size());
   classBegin.clear();
+  classBegin.reserve(infos.size() + 1);
   classOf.resize(infos.size());
   for (size_t record = 0; record < infos.size(); ++record) {
     if (sharesTime[record] == 0) {
@@ -322,7 +328,7 @@ bool DbScan<T>::Pass::isCore(size_t centre) const {
 // Records of classes claimed before are left out: either they are labelled, and would be
 // skipped, or their class is already in the seed list, and a merge would not take them.
 template <typename T>
-void DbScan<T>::Pass::claimNeighbours(size_t centre, std::vector<size_t>& seeds) {
+void DbScan<T>::Pass::claimNeighbours(size_t centre) {
   size_t const first = seeds.size();
   grid.forEachUnclaimedNear(centre, [&](size_t candidate) {
     if (isNeighbour(centre, candidate)) {
@@ -330,7 +336,7 @@ void DbScan<T>::Pass::claimNeighbours(size_t centre, std::vector<size_t>& seeds)
     }
     return true;
   });
-  orderBatch(seeds, first);
+  orderBatch(first);
   for (size_t slot = first; slot < seeds.size(); ++slot) {
     claimClass(classOf[seeds[slot]]);
   }
@@ -339,7 +345,7 @@ void DbScan<T>::Pass::claimNeighbours(size_t centre, std::vector<size_t>& seeds)
 // A batch holds each record once. Marking costs the span of its indices, sorting about
 // log2(size) steps per record: a founder in a dense crowd claims nearly everyone at once.
 template <typename T>
-void DbScan<T>::Pass::orderBatch(std::vector<size_t>& seeds, size_t first) {
+void DbScan<T>::Pass::orderBatch(size_t first) {
   auto const begin = seeds.begin() + static_cast<std::ptrdiff_t>(first);
   if (seeds.end() - begin < 2) {
     return;
@@ -376,13 +382,14 @@ void DbScan<T>::Pass::claimClass(size_t equivalenceClass) {
   }
 }
 
+// seeds and members are working lists kept for the whole pass: a cluster costs one allocation.
 template <typename T>
 std::vector<size_t> DbScan<T>::Pass::addCluster(size_t founder) {
-  std::vector<size_t> members = {founder};
+  members.assign(1, founder);
   labelOf[classOf[founder]] = scan.clusterLabel;
   claimClass(classOf[founder]);
-  std::vector<size_t> seeds;
-  claimNeighbours(founder, seeds);
+  seeds.clear();
+  claimNeighbours(founder);
   for (size_t next = 0; next < seeds.size(); ++next) {
     size_t const seed = seeds[next];
     std::optional<int>& label = labelOf[classOf[seed]];
@@ -392,12 +399,12 @@ std::vector<size_t> DbScan<T>::Pass::addCluster(size_t founder) {
     // A seed is within eps of the record that found it and not == to it: a neighbour enough
     // when one is all a core record needs.
     if (scan.minPts <= 1 || isCore(seed)) {
-      claimNeighbours(seed, seeds);
+      claimNeighbours(seed);
     }
     label = scan.clusterLabel;
     members.push_back(seed);
   }
-  return members;
+  return std::vector<size_t>(members.begin(), members.end());
 }
 
 }  // namespace Vantis::Location

@@ -130,6 +130,7 @@ SpreadTrimmer::SpreadTrimmer(std::vector<double> const& xs, std::vector<double> 
 std::vector<size_t> SpreadTrimmer::run() {
   bool const bounded = boundable();
   if (bounded) {
+    candidates_.reserve(2 * kMaxCandidates);
     rebuild(kBaseTopSize);
   }
   while (static_cast<long long>(count_) > minItems_) {

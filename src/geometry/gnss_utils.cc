@@ -1,5 +1,7 @@
 #include "geometry/gnss_utils.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "geometry/distance_utils.h"
@@ -55,11 +57,11 @@ std::vector<BleScanInfoWithConfidence> GnssUtils::proactiveListOf(Records const&
   if (!checkValidOf(infos)) {
     return proactive;
   }
-  for (BleScanInfoWithConfidence const& info : infos) {
-    if (isGnss(info) && info.getConfidence() >= kProactiveConfidence) {
-      proactive.push_back(info);
-    }
-  }
+  auto const isProactive = [](BleScanInfoWithConfidence const& info) {
+    return isGnss(info) && info.getConfidence() >= kProactiveConfidence;
+  };
+  proactive.reserve(static_cast<size_t>(std::count_if(infos.begin(), infos.end(), isProactive)));
+  std::copy_if(infos.begin(), infos.end(), std::back_inserter(proactive), isProactive);
   return proactive;
 }
 
