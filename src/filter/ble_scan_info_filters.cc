@@ -171,6 +171,7 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
     return {};
   }
   markEntered(fates, infos);
+  infoCount.reserve(infoCount.size() + 8);  // a count per stage
   infoCount.push_back(static_cast<int>(infos.size()));
   RecordSubset result = withinSixHours(infos);
   markRemoved(fates, result, Fate::kAgeCut);

@@ -212,15 +212,12 @@ std::vector<size_t> DbScan<T>::Pass::recordsSharingTimes() const {
 
 template <typename T>
 NeighbourGrid DbScan<T>::Pass::makeGrid(RecordSubset const& infos, double eps) {
-  std::vector<double> xs;
-  std::vector<double> ys;
-  xs.reserve(infos.size());
-  ys.reserve(infos.size());
+  std::vector<std::pair<double, double>> points;
+  points.reserve(infos.size());
   for (T const& info : infos) {  // getPoint() without building a vector per record
-    xs.push_back(info.getLastLocationConst().getLon());
-    ys.push_back(info.getLastLocationConst().getLat());
+    points.emplace_back(info.getLastLocationConst().getLon(), info.getLastLocationConst().getLat());
   }
-  return NeighbourGrid(std::move(xs), std::move(ys), eps);
+  return NeighbourGrid(std::move(points), eps);
 }
 
 // A record with a scan time of its own is a class of its own; these come first in byClass.

@@ -23,22 +23,21 @@ size_t tableSize(size_t capacity) {
 }  // namespace
 
 KeyNumbering::KeyNumbering(size_t capacity)
-    : keys_(tableSize(capacity)), numbers_(keys_.size(), kNone), mask_(keys_.size() - 1) {}
+    : slots_(tableSize(capacity), Slot{0, kNone}), mask_(slots_.size() - 1) {}
 
 size_t KeyNumbering::number(std::uint64_t key) {
-  size_t const slot = slotOf(key);
-  if (numbers_[slot] == kNone) {
-    keys_[slot] = key;
-    numbers_[slot] = count_++;
+  Slot& slot = slots_[slotOf(key)];
+  if (slot.number == kNone) {
+    slot = {key, count_++};
   }
-  return numbers_[slot];
+  return slot.number;
 }
 
-size_t KeyNumbering::find(std::uint64_t key) const { return numbers_[slotOf(key)]; }
+size_t KeyNumbering::find(std::uint64_t key) const { return slots_[slotOf(key)].number; }
 
 size_t KeyNumbering::slotOf(std::uint64_t key) const {
   size_t slot = static_cast<size_t>(mix(key)) & mask_;
-  while (numbers_[slot] != kNone && keys_[slot] != key) {
+  while (slots_[slot].number != kNone && slots_[slot].key != key) {
     slot = (slot + 1) & mask_;
   }
   return slot;

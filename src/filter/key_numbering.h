@@ -28,8 +28,12 @@ class KeyNumbering {
   // The slot holding `key`, or the empty slot where it would go.
   size_t slotOf(std::uint64_t key) const;
 
-  std::vector<std::uint64_t> keys_;
-  std::vector<size_t> numbers_;  // kNone marks an empty slot
+  struct Slot {
+    std::uint64_t key;
+    size_t number;  // kNone marks an empty slot
+  };
+
+  std::vector<Slot> slots_;
   size_t mask_;
   size_t count_ = 0;
 };

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <utility>
 
 #include "filter/key_numbering.h"
@@ -40,27 +39,28 @@ bool isFinite(double x, double y) { return std::isfinite(x) && std::isfinite(y);
 
 }  // namespace
 
-NeighbourGrid::NeighbourGrid(std::vector<double> xs, std::vector<double> ys, double eps)
-    : xs(std::move(xs)), ys(std::move(ys)), eps(eps) {
+NeighbourGrid::NeighbourGrid(std::vector<std::pair<double, double>> points, double eps)
+    : points(std::move(points)), eps(eps) {
   groupByCell(cellKeys());
 }
 
 std::vector<NeighbourGrid::CellKey> NeighbourGrid::cellKeys() const {
   double maxAbs = 0.0;
-  for (size_t i = 0; i < xs.size(); ++i) {
-    if (isFinite(xs[i], ys[i])) {
-      maxAbs = std::max(maxAbs, std::max(std::fabs(xs[i]), std::fabs(ys[i])));
+  for (auto const& [x, y] : points) {
+    if (isFinite(x, y)) {
+      maxAbs = std::max(maxAbs, std::max(std::fabs(x), std::fabs(y)));
     }
   }
   double const width = std::max(std::max(eps, kMinCellWidth) * kCellMargin, maxAbs / kMaxCellIndex);
-  std::vector<CellKey> keys(xs.size(), cellKey(0, 0));
+  std::vector<CellKey> keys(points.size(), cellKey(0, 0));
   if (!std::isfinite(eps) || !std::isfinite(width)) {
     return keys;
   }
-  for (size_t i = 0; i < xs.size(); ++i) {
-    keys[i] = isFinite(xs[i], ys[i]) ? cellKey(static_cast<std::int64_t>(std::floor(xs[i] / width)),
-                                               static_cast<std::int64_t>(std::floor(ys[i] / width)))
-                                     : kIsolatedCell;
+  for (size_t i = 0; i < points.size(); ++i) {
+    auto const [x, y] = points[i];
+    keys[i] = isFinite(x, y) ? cellKey(static_cast<std::int64_t>(std::floor(x / width)),
+                                       static_cast<std::int64_t>(std::floor(y / width)))
+                             : kIsolatedCell;
   }
   return keys;
 }
@@ -68,54 +68,57 @@ std::vector<NeighbourGrid::CellKey> NeighbourGrid::cellKeys() const {
 // Counting sort by cell number: linear, and each cell keeps its points in index order.
 void NeighbourGrid::groupByCell(std::vector<CellKey> const& keys) {
   size_t const count = keys.size();
-  KeyNumbering cells(count);
+  KeyNumbering numbers(count);
   std::vector<CellKey> keyOfCell;
-  cellOf.resize(count);
+  keyOfCell.reserve(count);
+  placeOf.resize(count);
   for (size_t i = 0; i < count; ++i) {
-    cellOf[i] = cells.number(keys[i]);
-    if (cellOf[i] == keyOfCell.size()) {
+    placeOf[i].cell = numbers.number(keys[i]);
+    if (placeOf[i].cell == keyOfCell.size()) {
       keyOfCell.push_back(keys[i]);
     }
   }
-  cellBegin.assign(keyOfCell.size() + 1, 0);
-  for (size_t cell : cellOf) {
-    ++cellBegin[cell + 1];
+  cells.assign(keyOfCell.size(), Cell{0, 0, 0, 0, 0});
+  for (Place const& place : placeOf) {
+    ++cells[place.cell].end;
   }
-  std::partial_sum(cellBegin.begin(), cellBegin.end(), cellBegin.begin());
-  unclaimedEnd.assign(cellBegin.begin(), cellBegin.end() - 1);
+  size_t begin = 0;
+  for (Cell& cell : cells) {
+    size_t const size = cell.end;
+    cell = {begin, begin + size, begin, 0, 0};
+    begin += size;
+  }
   slots.resize(count);
-  slotOf.resize(count);
   for (size_t i = 0; i < count; ++i) {
-    size_t const slot = unclaimedEnd[cellOf[i]]++;
-    slots[slot] = i;
-    slotOf[i] = slot;
+    Cell& cell = cells[placeOf[i].cell];
+    placeOf[i].slot = cell.unclaimedEnd++;
+    slots[placeOf[i].slot] = i;
   }
-  linkNearCells(keyOfCell, cells);
+  linkNearCells(keyOfCell, numbers);
 }
 
 void NeighbourGrid::linkNearCells(std::vector<CellKey> const& keyOfCell,
-                                  KeyNumbering const& cells) {
-  nearBegin.reserve(keyOfCell.size() + 1);
-  for (CellKey const key : keyOfCell) {
-    nearBegin.push_back(nearCells.size());
-    if (key == kIsolatedCell) {
-      continue;
-    }
-    for (std::int64_t column = columnOf(key) - 1; column <= columnOf(key) + 1; ++column) {
+                                  KeyNumbering const& numbers) {
+  nearCells.reserve(9 * keyOfCell.size());
+  for (size_t c = 0; c < keyOfCell.size(); ++c) {
+    CellKey const key = keyOfCell[c];
+    cells[c].nearBegin = nearCells.size();
+    for (std::int64_t column = columnOf(key) - 1;
+         key != kIsolatedCell && column <= columnOf(key) + 1; ++column) {
       for (std::int64_t row = rowOf(key) - 1; row <= rowOf(key) + 1; ++row) {
-        size_t const cell = cells.find(cellKey(column, row));
+        size_t const cell = numbers.find(cellKey(column, row));
         if (cell != KeyNumbering::kNone) {
           nearCells.push_back(cell);
         }
       }
     }
+    cells[c].nearEnd = nearCells.size();
   }
-  nearBegin.push_back(nearCells.size());
 }
 
 bool NeighbourGrid::withinEps(size_t a, size_t b) const {
-  double const dx = xs[a] - xs[b];
-  double const dy = ys[a] - ys[b];
+  double const dx = points[a].first - points[b].first;
+  double const dy = points[a].second - points[b].second;
   double sum = 0.0;
   sum += dx * dx;
   sum += dy * dy;
@@ -123,16 +126,16 @@ bool NeighbourGrid::withinEps(size_t a, size_t b) const {
 }
 
 void NeighbourGrid::claim(size_t index) {
-  size_t const cell = cellOf[index];
-  size_t const slot = slotOf[index];
-  if (slot >= unclaimedEnd[cell]) {
+  Place& place = placeOf[index];
+  Cell& cell = cells[place.cell];
+  if (place.slot >= cell.unclaimedEnd) {
     return;
   }
-  size_t const last = --unclaimedEnd[cell];
+  size_t const last = --cell.unclaimedEnd;
   size_t const moved = slots[last];
-  std::swap(slots[slot], slots[last]);
-  slotOf[moved] = slot;
-  slotOf[index] = last;
+  std::swap(slots[place.slot], slots[last]);
+  placeOf[moved].slot = place.slot;
+  place.slot = last;
 }
 
 }  // namespace Vantis::Location

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace Vantis::Location {
@@ -18,8 +19,8 @@ class KeyNumbering;
 // finite or too large) all points share one cell and a search degrades to a linear scan.
 class NeighbourGrid {
  public:
-  // xs, ys: coordinates of point i; eps: the search radius (>= 0; NaN finds nothing).
-  NeighbourGrid(std::vector<double> xs, std::vector<double> ys, double eps);
+  // points[i] = {x, y} of point i; eps: the search radius (>= 0; NaN finds nothing).
+  NeighbourGrid(std::vector<std::pair<double, double>> points, double eps);
 
   // Euclidean distance of points a and b, summed as NormalDistance does, is <= eps.
   bool withinEps(size_t a, size_t b) const;
@@ -38,29 +39,37 @@ class NeighbourGrid {
   // Column and row of a cell, each offset to unsigned 32 bits, column in the high half.
   using CellKey = std::uint64_t;
 
+  struct Cell {
+    size_t begin;  // slots [begin, end) hold the cell's points,
+    size_t end;    // [begin, unclaimedEnd) the unclaimed ones
+    size_t unclaimedEnd;
+    size_t nearBegin;  // nearCells[nearBegin, nearEnd): the occupied cells around it, itself too
+    size_t nearEnd;
+  };
+  struct Place {
+    size_t cell;
+    size_t slot;  // slots[slot] is the point
+  };
+
   std::vector<CellKey> cellKeys() const;
   void groupByCell(std::vector<CellKey> const& keys);
-  // Each cell's occupied neighbour cells (itself included), found once instead of per search.
-  void linkNearCells(std::vector<CellKey> const& keyOfCell, KeyNumbering const& cells);
+  // Each cell's neighbour cells, found once instead of per search.
+  void linkNearCells(std::vector<CellKey> const& keyOfCell, KeyNumbering const& numbers);
 
-  std::vector<double> xs;
-  std::vector<double> ys;
+  std::vector<std::pair<double, double>> points;
   double eps;
-  std::vector<size_t> cellOf;        // cell number of each point
-  std::vector<size_t> cellBegin;     // slots of cell c: [cellBegin[c], cellBegin[c + 1])
-  std::vector<size_t> unclaimedEnd;  // slots [cellBegin[c], unclaimedEnd[c]) are unclaimed
-  std::vector<size_t> slots;         // point indices grouped by cell
-  std::vector<size_t> slotOf;        // slots[slotOf[i]] == i
-  std::vector<size_t> nearBegin;     // near cells of cell c: nearCells[nearBegin[c] .. [c + 1])
+  std::vector<Place> placeOf;  // by point
+  std::vector<Cell> cells;
+  std::vector<size_t> slots;  // point indices grouped by cell
   std::vector<size_t> nearCells;
 };
 
 template <typename Visit>
 void NeighbourGrid::forEachNear(size_t centre, Visit visit) const {
-  size_t const cell = cellOf[centre];
-  for (size_t near = nearBegin[cell]; near < nearBegin[cell + 1]; ++near) {
-    size_t const other = nearCells[near];
-    for (size_t slot = cellBegin[other]; slot < cellBegin[other + 1]; ++slot) {
+  Cell const& cell = cells[placeOf[centre].cell];
+  for (size_t near = cell.nearBegin; near < cell.nearEnd; ++near) {
+    Cell const& other = cells[nearCells[near]];
+    for (size_t slot = other.begin; slot < other.end; ++slot) {
       if (!visit(slots[slot])) {
         return;
       }
@@ -70,10 +79,10 @@ void NeighbourGrid::forEachNear(size_t centre, Visit visit) const {
 
 template <typename Visit>
 void NeighbourGrid::forEachUnclaimedNear(size_t centre, Visit visit) const {
-  size_t const cell = cellOf[centre];
-  for (size_t near = nearBegin[cell]; near < nearBegin[cell + 1]; ++near) {
-    size_t const other = nearCells[near];
-    for (size_t slot = cellBegin[other]; slot < unclaimedEnd[other]; ++slot) {
+  Cell const& cell = cells[placeOf[centre].cell];
+  for (size_t near = cell.nearBegin; near < cell.nearEnd; ++near) {
+    Cell const& other = cells[nearCells[near]];
+    for (size_t slot = other.begin; slot < other.unclaimedEnd; ++slot) {
       if (!visit(slots[slot])) {
         return;
       }

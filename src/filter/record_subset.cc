@@ -13,12 +13,12 @@ RecordSubset::RecordSubset(std::vector<Record> const& all, std::vector<size_t> p
     : all_(&all), positions_(std::move(positions)) {}
 
 void RecordSubset::keep(std::vector<size_t> const& members) {
-  std::vector<size_t> kept;
-  kept.reserve(members.size());
+  spare_.clear();
+  spare_.reserve(positions_.size());
   for (size_t member : members) {
-    kept.push_back(positions_[member]);
+    spare_.push_back(positions_[member]);
   }
-  positions_ = std::move(kept);
+  positions_.swap(spare_);
 }
 
 std::vector<RecordSubset::Record> RecordSubset::records() const {

@@ -63,6 +63,7 @@ class RecordSubset {
  private:
   std::vector<Record> const* all_;
   std::vector<size_t> positions_;
+  std::vector<size_t> spare_;  // keep() builds here and swaps: one allocation for many keeps
 };
 
 }  // namespace Vantis::Location
