@@ -52,14 +52,31 @@ void sortNewestFirst(List& infos) {
 }
 
 // The `limit` newest records, newest first (equal times in input order): the part of the time
-// order that the confidence cut can keep.
+// order that the confidence cut can keep. Records in ascending time, as the main calculator
+// passes them, need no sort: their runs of equal times are taken from the end.
 Refs newestRecords(Infos const& infos, std::size_t limit) {
   Refs newest;
   newest.reserve(infos.size());
-  for (BleScanInfoWithConfidence const& info : infos) {
-    newest.push_back(&info);
+  auto const older = [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
+    return scanTime(a) < scanTime(b);
+  };
+  if (std::is_sorted(infos.begin(), infos.end(), older)) {
+    for (std::size_t end = infos.size(); end > 0 && newest.size() < limit;) {
+      std::size_t begin = end - 1;
+      while (begin > 0 && scanTime(infos[begin - 1]) == scanTime(infos[end - 1])) {
+        --begin;
+      }
+      for (std::size_t k = begin; k < end; ++k) {
+        newest.push_back(&infos[k]);
+      }
+      end = begin;
+    }
+  } else {
+    for (BleScanInfoWithConfidence const& info : infos) {
+      newest.push_back(&info);
+    }
+    sortNewestFirst(newest);
   }
-  sortNewestFirst(newest);
   newest.resize(std::min(limit, newest.size()));
   return newest;
 }

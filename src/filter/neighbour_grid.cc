@@ -37,6 +37,12 @@ std::int64_t rowOf(std::uint64_t key) {
 
 bool isFinite(double x, double y) { return std::isfinite(x) && std::isfinite(y); }
 
+// floor(q) for a cell index q (|q| <= 2^30 + 1), without a library call.
+std::int64_t floorOf(double q) {
+  auto const truncated = static_cast<std::int64_t>(q);
+  return static_cast<double>(truncated) > q ? truncated - 1 : truncated;
+}
+
 }  // namespace
 
 NeighbourGrid::NeighbourGrid(std::vector<std::pair<double, double>> points, double eps)
@@ -58,9 +64,7 @@ std::vector<NeighbourGrid::CellKey> NeighbourGrid::cellKeys() const {
   }
   for (size_t i = 0; i < points.size(); ++i) {
     auto const [x, y] = points[i];
-    keys[i] = isFinite(x, y) ? cellKey(static_cast<std::int64_t>(std::floor(x / width)),
-                                       static_cast<std::int64_t>(std::floor(y / width)))
-                             : kIsolatedCell;
+    keys[i] = isFinite(x, y) ? cellKey(floorOf(x / width), floorOf(y / width)) : kIsolatedCell;
   }
   return keys;
 }
