@@ -39,7 +39,11 @@ void runRound(std::vector<Point>& points, std::vector<Point>& centers, std::vect
               std::vector<int>& counts) {
   std::fill(assign.begin(), assign.end(), 0);
   std::fill(counts.begin(), counts.end(), 0);
-  for (std::size_t i = 0; i < points.size(); ++i) {
+  // A lone centre takes every point (findCenter's answer): the calculator's case, k = 1.
+  if (centers.size() == 1) {
+    counts[0] = static_cast<int>(points.size());
+  }
+  for (std::size_t i = 0; centers.size() > 1 && i < points.size(); ++i) {
     KmeansOld::findCenter(points, centers, assign, static_cast<int>(i));
     ++counts[assign[i]];
   }
