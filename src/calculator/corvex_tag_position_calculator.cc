@@ -72,9 +72,10 @@ TagBestLocation CorvexTagPositionCalculator::getPosition(
     trace_->referenceLat = refPos[1];
   }
   CoordinateConverter::gnssConvertToEnu(infos, refPos);
+  reference_ = refPos;
   TagBestLocation innerResult = getPositionInner(infos, defaultResult);
+  reference_.clear();
   CoordinateConverter::enuConvertToGnss(infos, refPos);
-  CoordinateConverter::enuConvertToGnss(filteredInfos_, refPos);
   if (trace_ != nullptr) {
     recordOutcome(trace_->main, innerResult, refPos, isSolved(innerResult));
   }
@@ -127,6 +128,7 @@ TagBestLocation CorvexTagPositionCalculator::getPositionInner(
   }
   std::vector<int> infoCount;
   filteredInfos_ = BleScanInfoFilters::filter(infos, infoCount, trace_ ? &trace_->fates : nullptr);
+  filteredReference_ = reference_;
   if (filteredInfos_.empty()) {
     CorvexTagLogger::getInstance().error("filteredInfos is empty");
     return defaultResult.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);
@@ -140,6 +142,12 @@ TagBestLocation CorvexTagPositionCalculator::getPositionInner(
   tagResult.setRunTimeStamp(getRunTimeStamp(infos, tagResult));
   tagResult.getTagStat().setInfoCount(infoCount);
   return tagResult;
+}
+
+std::vector<BleScanInfoWithConfidence> CorvexTagPositionCalculator::getFilteredInfos() const {
+  std::vector<BleScanInfoWithConfidence> infos = filteredInfos_;
+  CoordinateConverter::enuConvertToGnss(infos, filteredReference_);
+  return infos;
 }
 
 void CorvexTagPositionCalculator::setDefaultRssi(std::vector<BleScanInfoWithConfidence>& infos) {

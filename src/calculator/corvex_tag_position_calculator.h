@@ -42,7 +42,7 @@ class CorvexTagPositionCalculator : public PositionCalculator {
   // Scores every record; false when the scores sum below 0.0001.
   static bool getNewConfidence(std::vector<BleScanInfoWithConfidence>& infos);
   // The records the last solve used, in degrees.
-  std::vector<BleScanInfoWithConfidence> getFilteredInfos() const { return filteredInfos_; }
+  std::vector<BleScanInfoWithConfidence> getFilteredInfos() const;
 
   // Position solving. Records and points are in the local plane (metres).
 
@@ -105,7 +105,11 @@ class CorvexTagPositionCalculator : public PositionCalculator {
 
   LocateTrace* trace_;
   std::vector<double> confidenceWeights_;  // newConfidence squared per record of the last solve
-  std::vector<BleScanInfoWithConfidence> filteredInfos_;  // survivors of the last filtering
+  // Survivors of the last filtering, left in the local plane: converted back to degrees
+  // (around filteredReference_) only when asked for, not on every call.
+  std::vector<BleScanInfoWithConfidence> filteredInfos_;
+  std::vector<double> filteredReference_;
+  std::vector<double> reference_;  // {lon, lat} of the plane's origin while getPosition runs
 };
 
 extern template std::string_view CorvexTagPositionCalculator::selectMostOccurrences<

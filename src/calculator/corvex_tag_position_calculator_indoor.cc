@@ -51,20 +51,20 @@ bool isIndoorCandidate(TagBestLocation const& result, BleScanInfoWithConfidence 
   return !location.getGeoId().empty() && location.getGeoId() != kUnknownGeoId &&
          location.getFloorId() != kUnknownFloor && location.getFloorAcc() >= kMinIndoorFloorAcc &&
          record.getRssi() >= kMinIndoorRssi && info.getConfidence() >= kMinIndoorConfidence &&
-         GnssDistanceMeasure::compute({location.getLon(), location.getLat()},
-                                      {result.getLon(), result.getLat()}) < kIndoorRadius &&
+         GnssDistanceMeasure::compute(location.getLon(), location.getLat(), result.getLon(),
+                                      result.getLat()) < kIndoorRadius &&
          wrappingAbs(wrappingDifference(result.getRunTimeStamp(), record.getTimeStamp())) <=
              kIndoorMaxAge;
 }
 
 // Truncated mean floor accuracy of the candidates in the building on the floor, summed as
 // 32-bit integers (wrapping); false when there are none.
-bool averageFloorAcc(std::vector<BleScanInfoWithConfidence> const& candidates,
+bool averageFloorAcc(std::vector<BleScanInfoWithConfidence const*> const& candidates,
                      SharedText const& building, int floor, int& average) {
   std::uint32_t sum = 0;
   std::size_t count = 0;
-  for (BleScanInfoWithConfidence const& candidate : candidates) {
-    LastLocation const& location = candidate.getLastLocationConst();
+  for (BleScanInfoWithConfidence const* candidate : candidates) {
+    LastLocation const& location = candidate->getLastLocationConst();
     if (location.getGeoIdText() == building && location.getFloorId() == floor) {
       sum += static_cast<std::uint32_t>(location.getFloorAcc());
       ++count;
@@ -76,6 +76,18 @@ bool averageFloorAcc(std::vector<BleScanInfoWithConfidence> const& candidates,
   average = static_cast<int>(static_cast<double>(static_cast<std::int32_t>(sum)) /
                              static_cast<double>(count));
   return true;
+}
+
+// The records that may vote, by pointer: the vote reads them, it need not copy them.
+std::vector<BleScanInfoWithConfidence const*> indoorCandidates(
+    TagBestLocation const& result, std::vector<BleScanInfoWithConfidence> const& infos) {
+  std::vector<BleScanInfoWithConfidence const*> candidates;
+  for (BleScanInfoWithConfidence const& info : infos) {
+    if (isIndoorCandidate(result, info)) {
+      candidates.push_back(&info);
+    }
+  }
+  return candidates;
 }
 
 template <typename T>
@@ -132,10 +144,8 @@ long long CorvexTagPositionCalculator::getRunTimeStamp(
 void CorvexTagPositionCalculator::filterIndoor(TagBestLocation const& result,
                                                std::vector<BleScanInfoWithConfidence> const& infos,
                                                std::vector<BleScanInfoWithConfidence>& out) {
-  for (BleScanInfoWithConfidence const& info : infos) {
-    if (isIndoorCandidate(result, info)) {
-      out.push_back(info);
-    }
+  for (BleScanInfoWithConfidence const* candidate : indoorCandidates(result, infos)) {
+    out.push_back(*candidate);
   }
 }
 
@@ -145,16 +155,15 @@ void CorvexTagPositionCalculator::setResultIndoorInfo(
   if (vote != nullptr) {
     *vote = LocateTrace::IndoorVote();
   }
-  std::vector<BleScanInfoWithConfidence> candidates;
-  filterIndoor(result, infos, candidates);
+  std::vector<BleScanInfoWithConfidence const*> const candidates = indoorCandidates(result, infos);
   if (candidates.empty()) {
     return;
   }
   // Shared texts, not copies: building texts may be long.
   std::vector<SharedText> geoIds;
   geoIds.reserve(candidates.size());
-  for (BleScanInfoWithConfidence const& candidate : candidates) {
-    geoIds.push_back(candidate.getLastLocationConst().getGeoIdText());
+  for (BleScanInfoWithConfidence const* candidate : candidates) {
+    geoIds.push_back(candidate->getLastLocationConst().getGeoIdText());
   }
   SharedText const building = selectMostOccurrences(geoIds);
   if (vote != nullptr) {
@@ -167,9 +176,10 @@ void CorvexTagPositionCalculator::setResultIndoorInfo(
     return;
   }
   std::vector<int> floorIds;
-  for (BleScanInfoWithConfidence const& candidate : candidates) {
-    if (candidate.getLastLocationConst().getGeoIdText() == building) {
-      floorIds.push_back(candidate.getLastLocationConst().getFloorId());
+  floorIds.reserve(candidates.size());
+  for (BleScanInfoWithConfidence const* candidate : candidates) {
+    if (candidate->getLastLocationConst().getGeoIdText() == building) {
+      floorIds.push_back(candidate->getLastLocationConst().getFloorId());
     }
   }
   int const floor = selectMostOccurrences(floorIds);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 #include "calculator/corvex_tag_position_calculator.h"
 #include "geometry/simple_rssi_to_distance_converter.h"
@@ -38,16 +39,56 @@ std::vector<double> const& rowOrEmpty(std::vector<std::vector<double>> const& ma
   return index < matrix.size() ? matrix[index] : kEmpty;
 }
 
+// The spread of the points {xs[i], ys[i]}: the square root of their mean distance from their
+// centroid (not an RMS); 0.0 for no points.
+double spreadOf(std::vector<double> const& xs, std::vector<double> const& ys) {
+  if (xs.empty()) {
+    return 0.0;
+  }
+  double sumX = 0.0;
+  double sumY = 0.0;
+  for (std::size_t i = 0; i < xs.size(); ++i) {
+    sumX += xs[i];
+    sumY += ys[i];
+  }
+  double const count = static_cast<double>(xs.size());
+  double const meanX = sumX / count;
+  double const meanY = sumY / count;
+  double distanceSum = 0.0;
+  for (std::size_t i = 0; i < xs.size(); ++i) {
+    double const dx = xs[i] - meanX;
+    double const dy = ys[i] - meanY;
+    distanceSum += std::sqrt(dx * dx + dy * dy);
+  }
+  return std::sqrt(distanceSum / count);
+}
+
+// The weighted mean of the points given by their columns xs and ys.
+TagBestLocation averageResult(std::vector<double> const& xs, std::vector<double> const& ys,
+                              std::vector<double> const& accs, std::vector<double> const& weights,
+                              std::vector<long long> const& timeStamps) {
+  using Calculator = CorvexTagPositionCalculator;
+  double const lon = Calculator::getWeightedAvg(xs, weights);
+  double const lat = Calculator::getWeightedAvg(ys, weights);
+  double const acc = Calculator::getWeightedAvg(accs, weights);
+  double const confidence = Calculator::getWeightedAvg(weights, weights);
+  long long const timeStamp = Calculator::getLatestTimeStamp(timeStamps);
+  return TagBestLocation(lon, lat, timeStamp, confidence, static_cast<float>(acc));
+}
+
 }  // namespace
 
 TagBestLocation CorvexTagPositionCalculator::getTagResult(
     std::vector<BleScanInfoWithConfidence> const& infos) {
-  std::vector<std::vector<double>> points;
+  // The observers' east and north (metres) as two columns: the anchors of the range model.
+  std::vector<double> xs;
+  std::vector<double> ys;
   std::vector<double> accs;
   std::vector<double> dists;
   std::vector<double> weights;
   std::vector<long long> timeStamps;
-  points.reserve(infos.size());
+  xs.reserve(infos.size());
+  ys.reserve(infos.size());
   accs.reserve(infos.size());
   dists.reserve(infos.size());
   weights.reserve(infos.size());
@@ -56,7 +97,8 @@ TagBestLocation CorvexTagPositionCalculator::getTagResult(
   for (BleScanInfoWithConfidence const& info : infos) {
     LastLocation const& location = info.getLastLocationConst();
     BlueToothRecord const& record = info.getBlueToothRecordConst();
-    points.push_back({location.getLon(), location.getLat()});
+    xs.push_back(location.getLon());
+    ys.push_back(location.getLat());
     accs.push_back(static_cast<double>(location.getAcc()));
     double const dist =
         SimpleRssiToDistanceConverter::convert(static_cast<double>(record.getRssi()));
@@ -68,14 +110,16 @@ TagBestLocation CorvexTagPositionCalculator::getTagResult(
   confidenceWeights_ = weights;
 
   TagBestLocation result;
-  if (infos.size() < kMinLeastSquaresRecords || stdPointError(points) < kMinLeastSquaresSpread) {
-    result = getAvgResult(points, accs, weights, timeStamps);
+  if (infos.size() < kMinLeastSquaresRecords || spreadOf(xs, ys) < kMinLeastSquaresSpread) {
+    // No points: getAvgResult says so, as it does when it transposes an empty list.
+    result = infos.empty() ? getAvgResult({}, accs, weights, timeStamps)
+                           : averageResult(xs, ys, accs, weights, timeStamps);
     if (trace_ != nullptr) {
       trace_->solver = LocateTrace::Solver::kWeightedMean;
     }
   } else {
     std::shared_ptr<ValueAndJacobianFunction> const function =
-        std::make_shared<TagValueAndJacobianFunction>(points);
+        std::make_shared<TagValueAndJacobianFunction>(std::move(xs), std::move(ys));
     result = getOptimumResult(dists, accs, weights, timeStamps, function, trace_);
   }
   if (result.getErrorCode() == ErrorCode::SUCCESS && rssiOverLimit) {
@@ -88,12 +132,7 @@ TagBestLocation CorvexTagPositionCalculator::getAvgResult(
     std::vector<std::vector<double>> const& points, std::vector<double> const& accs,
     std::vector<double> const& weights, std::vector<long long> const& timeStamps) {
   std::vector<std::vector<double>> const columns = transpose(points);
-  double const lon = getWeightedAvg(rowOrEmpty(columns, 0), weights);
-  double const lat = getWeightedAvg(rowOrEmpty(columns, 1), weights);
-  double const acc = getWeightedAvg(accs, weights);
-  double const confidence = getWeightedAvg(weights, weights);
-  long long const timeStamp = getLatestTimeStamp(timeStamps);
-  return TagBestLocation(lon, lat, timeStamp, confidence, static_cast<float>(acc));
+  return averageResult(rowOrEmpty(columns, 0), rowOrEmpty(columns, 1), accs, weights, timeStamps);
 }
 
 TagBestLocation CorvexTagPositionCalculator::getOptimumResult(
@@ -165,17 +204,13 @@ std::vector<std::vector<double>> CorvexTagPositionCalculator::transpose(
 }
 
 double CorvexTagPositionCalculator::stdPointError(std::vector<std::vector<double>> const& points) {
-  if (points.empty()) {
-    return 0.0;
-  }
-  std::vector<double> const mean = meanPoint(points);
-  double distanceSum = 0.0;
+  std::vector<double> xs;
+  std::vector<double> ys;
   for (std::vector<double> const& point : points) {
-    double const dx = entry(point, 0) - mean[0];
-    double const dy = entry(point, 1) - mean[1];
-    distanceSum += std::sqrt(dx * dx + dy * dy);
+    xs.push_back(entry(point, 0));
+    ys.push_back(entry(point, 1));
   }
-  return std::sqrt(distanceSum / static_cast<double>(points.size()));
+  return spreadOf(xs, ys);
 }
 
 std::vector<double> CorvexTagPositionCalculator::meanPoint(

@@ -15,6 +15,16 @@ bool contains(std::vector<Point> const& list, Point const& point) {
   return std::find(list.begin(), list.end(), point) != list.end();
 }
 
+bool idsDistinct(std::vector<Point> const& points) {
+  std::vector<int> ids;
+  ids.reserve(points.size());
+  for (Point const& point : points) {
+    ids.push_back(point.getId());
+  }
+  std::sort(ids.begin(), ids.end());
+  return std::adjacent_find(ids.begin(), ids.end()) == ids.end();
+}
+
 bool sharesPoint(std::vector<Point> const& a, std::vector<Point> const& b) {
   return std::any_of(b.begin(), b.end(), [&a](Point const& point) { return contains(a, point); });
 }
@@ -61,11 +71,12 @@ std::vector<Point> DBScanOld::getFilteredPointList(std::vector<Point>& points, d
 std::vector<std::vector<Point>> DBScanOld::applyDbScanInner(std::vector<Point>& points, double eps,
                                                             int minPts) {
   std::vector<std::vector<Point>> groups;
+  bool const distinct = idsDistinct(points);
   for (Point& point : points) {
     if (point.isClassed()) {
       continue;
     }
-    std::vector<Point> neighbourhood = getKeyPoint(points, point, eps, minPts);
+    std::vector<Point> neighbourhood = neighbourhoodOf(points, point, eps, minPts, distinct);
     if (!neighbourhood.empty()) {
       groups.push_back(std::move(neighbourhood));
     }
@@ -78,6 +89,11 @@ std::vector<std::vector<Point>> DBScanOld::applyDbScanInner(std::vector<Point>& 
 
 std::vector<Point> DBScanOld::getKeyPoint(std::vector<Point>& points, Point& p, double eps,
                                           int minPts) {
+  return neighbourhoodOf(points, p, eps, minPts, false);
+}
+
+std::vector<Point> DBScanOld::neighbourhoodOf(std::vector<Point>& points, Point& p, double eps,
+                                              int minPts, bool idsDistinct) {
   std::vector<Point> neighbourhood;
   int neighbours = 0;
   for (Point& candidate : points) {
@@ -85,7 +101,7 @@ std::vector<Point> DBScanOld::getKeyPoint(std::vector<Point>& points, Point& p, 
       continue;
     }
     ++neighbours;
-    if (!contains(neighbourhood, candidate)) {
+    if (idsDistinct || !contains(neighbourhood, candidate)) {
       candidate.setClassed(true);
       neighbourhood.push_back(candidate);
     }

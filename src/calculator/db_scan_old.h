@@ -26,6 +26,11 @@ class DBScanOld {
   // Appends the points of b missing from a when the two share a point; true if they did.
   static bool mergeList(std::vector<Point>& a, std::vector<Point> const& b);
   static void setListClassed(std::vector<Point>& list);
+
+ private:
+  // getKeyPoint; when no two points share an id no point can repeat, and none is looked for.
+  static std::vector<Point> neighbourhoodOf(std::vector<Point>& points, Point& p, double eps,
+                                            int minPts, bool idsDistinct);
 };
 
 }  // namespace Vantis::Location

@@ -1,5 +1,6 @@
 #include "calculator/kmeans_old.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <string>
@@ -33,10 +34,16 @@ void startAtMostAccuratePoint(std::vector<Point>& points, Point& center) {
 }
 
 // One assignment and update round. The old centre stays in its own mean as an extra sample.
-void runRound(std::vector<Point>& points, std::vector<Point>& centers) {
-  std::vector<int> assign(points.size(), 0);
-  std::vector<int> counts(centers.size(), 0);
-  for (std::size_t i = 0; i < points.size(); ++i) {
+// assign and counts are the round's working lists, sized for points and centres.
+void runRound(std::vector<Point>& points, std::vector<Point>& centers, std::vector<int>& assign,
+              std::vector<int>& counts) {
+  std::fill(assign.begin(), assign.end(), 0);
+  std::fill(counts.begin(), counts.end(), 0);
+  // A lone centre takes every point (findCenter's answer): the calculator's case, k = 1.
+  if (centers.size() == 1) {
+    counts[0] = static_cast<int>(points.size());
+  }
+  for (std::size_t i = 0; centers.size() > 1 && i < points.size(); ++i) {
     KmeansOld::findCenter(points, centers, assign, static_cast<int>(i));
     ++counts[assign[i]];
   }
@@ -85,8 +92,10 @@ std::vector<Point> KmeansOld::kmeans(std::vector<Point>& points, std::vector<Poi
         [&] { return "points size " + std::to_string(points.size()); });
     // Rounds need a centre to update and a points[0] to mirror it into.
     bool const canRun = !centers.empty() && !points.empty();
+    std::vector<int> assign(canRun ? points.size() : 0);
+    std::vector<int> counts(canRun ? centers.size() : 0);
     for (int round = 0; canRun && round < maxIter; ++round) {
-      runRound(points, centers);
+      runRound(points, centers, assign, counts);
     }
   }
   return centers;

@@ -29,51 +29,69 @@ constexpr int kMaxIterations = 10;
 constexpr float kResultAcc = 50.0f;
 
 using Infos = std::vector<BleScanInfoWithConfidence>;
+using Refs = std::vector<BleScanInfoWithConfidence const*>;
 
-long long scanTime(BleScanInfoWithConfidence const& info) {
-  return info.getBlueToothRecordConst().getTimeStamp();
+BleScanInfoWithConfidence const& recordOf(BleScanInfoWithConfidence const& info) { return info; }
+BleScanInfoWithConfidence const& recordOf(BleScanInfoWithConfidence const* info) { return *info; }
+
+template <typename Entry>
+long long scanTime(Entry const& entry) {
+  return recordOf(entry).getBlueToothRecordConst().getTimeStamp();
 }
 
-void sortNewestFirst(Infos& infos) {
+template <typename Entry>
+double confidenceOf(Entry const& entry) {
+  return recordOf(entry).getConfidence();
+}
+
+template <typename List>
+void sortNewestFirst(List& infos) {
+  using Entry = typename List::value_type;
   std::stable_sort(infos.begin(), infos.end(),
-                   [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
-                     return scanTime(a) > scanTime(b);
-                   });
+                   [](Entry const& a, Entry const& b) { return scanTime(a) > scanTime(b); });
 }
 
-void sortMostConfidentFirst(Infos& infos) {
-  std::stable_sort(infos.begin(), infos.end(),
-                   [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
-                     return a.getConfidence() > b.getConfidence();
-                   });
-}
-
-// Copies of the `limit` newest records, newest first (equal times in input order): the part of
-// the time order that the confidence cut can keep.
-Infos newestRecords(Infos const& infos, std::size_t limit) {
-  std::vector<std::size_t> order(infos.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&infos](std::size_t a, std::size_t b) {
-    return scanTime(infos[a]) > scanTime(infos[b]);
-  });
-  order.resize(std::min(limit, order.size()));
-  Infos newest;
-  newest.reserve(order.size());
-  for (std::size_t index : order) {
-    newest.push_back(infos[index]);
+// The `limit` newest records, newest first (equal times in input order): the part of the time
+// order that the confidence cut can keep. Records in ascending time, as the main calculator
+// passes them, need no sort: their runs of equal times are taken from the end.
+Refs newestRecords(Infos const& infos, std::size_t limit) {
+  Refs newest;
+  newest.reserve(infos.size());
+  auto const older = [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
+    return scanTime(a) < scanTime(b);
+  };
+  if (std::is_sorted(infos.begin(), infos.end(), older)) {
+    for (std::size_t end = infos.size(); end > 0 && newest.size() < limit;) {
+      std::size_t begin = end - 1;
+      while (begin > 0 && scanTime(infos[begin - 1]) == scanTime(infos[end - 1])) {
+        --begin;
+      }
+      for (std::size_t k = begin; k < end; ++k) {
+        newest.push_back(&infos[k]);
+      }
+      end = begin;
+    }
+  } else {
+    for (BleScanInfoWithConfidence const& info : infos) {
+      newest.push_back(&info);
+    }
+    sortNewestFirst(newest);
   }
+  newest.resize(std::min(limit, newest.size()));
   return newest;
 }
 
-bool isConfident(BleScanInfoWithConfidence const& info) {
-  return info.getConfidence() >= kMinConfidence;
-}
-
 // The best 20 by confidence, then further ones while they stay confident.
-void appendMostConfident(Infos& candidates, Infos& output) {
-  sortMostConfidentFirst(candidates);
+template <typename List>
+void appendMostConfident(List& candidates, List& output) {
+  using Entry = typename List::value_type;
+  std::stable_sort(candidates.begin(), candidates.end(), [](Entry const& a, Entry const& b) {
+    return confidenceOf(a) > confidenceOf(b);
+  });
   auto const unconditionalEnd = candidates.begin() + kSmallListSize;
-  auto const confidentEnd = std::find_if_not(unconditionalEnd, candidates.end(), isConfident);
+  auto const confidentEnd =
+      std::find_if_not(unconditionalEnd, candidates.end(),
+                       [](Entry const& entry) { return confidenceOf(entry) >= kMinConfidence; });
   output.insert(output.end(), std::make_move_iterator(candidates.begin()),
                 std::make_move_iterator(confidentEnd));
 }
@@ -104,14 +122,14 @@ TagBestLocation KmeansPositionCalculator::getPosition(Infos& infos) {
     logger.error(" infos size exceed limit");
     return TagBestLocation(ErrorCode::INPUT_INFO_OVER_LIMIT);
   }
-  Infos offlineLocationList = newestRecords(infos, kKeptByConfidenceCut);
+  Refs offlineLocationList = newestRecords(infos, kKeptByConfidenceCut);
   filterLowConfidence(offlineLocationList);
   long long const latestTime = scanTime(offlineLocationList.front());
-  TagBestLocation fallback = newestPhonePosition(offlineLocationList.front());
+  TagBestLocation fallback = newestPhonePosition(*offlineLocationList.front());
   logger.infoBuilt(
       [&] { return " offlineLocationList size: " + std::to_string(offlineLocationList.size()); });
 
-  Infos preprocessed = preprocessOfflineLocation(offlineLocationList);
+  Refs preprocessed = preprocessOfflineLocation(offlineLocationList);
   if (preprocessed.empty()) {
     logger.infoBuilt([&] { return " preprocessedOfflineLocation is empty"; });
     return fallback.setErrorCodeAndGet(ErrorCode::FILTERED_ALL_INFOS);
@@ -141,7 +159,8 @@ TagBestLocation KmeansPositionCalculator::getPosition(Infos& infos) {
   return convertResult(core, fallback, latestTime);
 }
 
-void KmeansPositionCalculator::filterLowConfidence(Infos& infos) {
+template <typename List>
+void KmeansPositionCalculator::filterLowConfidence(List& infos) {
   if (infos.size() <= kSmallListSize) {
     return;
   }
@@ -150,21 +169,26 @@ void KmeansPositionCalculator::filterLowConfidence(Infos& infos) {
   }
   auto const firstDroppable = infos.begin() + kAlwaysKeptByConfidenceCut;
   infos.erase(std::remove_if(firstDroppable, infos.end(),
-                             [](BleScanInfoWithConfidence const& info) {
-                               return info.getConfidence() < kMinConfidence;
+                             [](typename List::value_type const& entry) {
+                               return confidenceOf(entry) < kMinConfidence;
                              }),
               infos.end());
 }
 
-Infos KmeansPositionCalculator::preprocessOfflineLocation(Infos const& infos) {
-  Infos usable;
+template <typename List>
+List KmeansPositionCalculator::preprocessOfflineLocation(List const& infos) {
+  List usable;
+  usable.reserve(infos.size());
   std::copy_if(infos.begin(), infos.end(), std::back_inserter(usable),
-               [](BleScanInfoWithConfidence const& info) {
-                 return !(info.getLastLocationConst().getAcc() > kMaxPhoneAcc);
+               [](typename List::value_type const& entry) {
+                 return !(recordOf(entry).getLastLocationConst().getAcc() > kMaxPhoneAcc);
                });
   auto const newestEnd = usable.begin() + std::min(kNewestKept, usable.size());
-  Infos output(std::make_move_iterator(usable.begin()), std::make_move_iterator(newestEnd));
-  Infos remaining(std::make_move_iterator(newestEnd), std::make_move_iterator(usable.end()));
+  List output;
+  output.reserve(usable.size());
+  output.insert(output.end(), std::make_move_iterator(usable.begin()),
+                std::make_move_iterator(newestEnd));
+  List remaining(std::make_move_iterator(newestEnd), std::make_move_iterator(usable.end()));
   if (remaining.size() > kSmallListSize) {
     appendMostConfident(remaining, output);
   } else {
@@ -174,11 +198,12 @@ Infos KmeansPositionCalculator::preprocessOfflineLocation(Infos const& infos) {
   return output;
 }
 
-std::vector<Point> KmeansPositionCalculator::convertToPoint(Infos const& infos) {
+template <typename List>
+std::vector<Point> KmeansPositionCalculator::convertToPoint(List const& infos) {
   std::vector<Point> points;
   points.reserve(infos.size());
   for (std::size_t i = 0; i < infos.size(); ++i) {
-    LastLocation const& location = infos[i].getLastLocationConst();
+    LastLocation const& location = recordOf(infos[i]).getLastLocationConst();
     Point point(location.getLon(), location.getLat(), static_cast<int>(i));
     point.setAcc(location.getAcc());
     points.push_back(point);
@@ -186,11 +211,12 @@ std::vector<Point> KmeansPositionCalculator::convertToPoint(Infos const& infos) 
   return points;
 }
 
-bool KmeansPositionCalculator::checkMove(Infos& infos, std::vector<Point> const& points) {
+template <typename List>
+bool KmeansPositionCalculator::checkMove(List& infos, std::vector<Point> const& points) {
   sortNewestFirst(infos);
   std::size_t const newestCount = std::min(kNewestKept, infos.size());
   for (std::size_t i = 0; i < newestCount; ++i) {
-    if (isAmong(infos[i].getLastLocationConst(), points)) {
+    if (isAmong(recordOf(infos[i]).getLastLocationConst(), points)) {
       return false;
     }
   }
@@ -208,5 +234,14 @@ TagBestLocation KmeansPositionCalculator::convertResult(Point& core, TagBestLoca
   located.setAcc(kResultAcc);
   return located;
 }
+
+template void KmeansPositionCalculator::filterLowConfidence(Infos& infos);
+template void KmeansPositionCalculator::filterLowConfidence(Refs& infos);
+template Infos KmeansPositionCalculator::preprocessOfflineLocation(Infos const& infos);
+template Refs KmeansPositionCalculator::preprocessOfflineLocation(Refs const& infos);
+template std::vector<Point> KmeansPositionCalculator::convertToPoint(Infos const& infos);
+template std::vector<Point> KmeansPositionCalculator::convertToPoint(Refs const& infos);
+template bool KmeansPositionCalculator::checkMove(Infos& infos, std::vector<Point> const& points);
+template bool KmeansPositionCalculator::checkMove(Refs& infos, std::vector<Point> const& points);
 
 }  // namespace Vantis::Location

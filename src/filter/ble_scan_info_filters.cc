@@ -57,26 +57,40 @@ int halfAtLeast(size_t count, int floor) {
   return half > floor ? half : floor;
 }
 
-void appendCount(std::vector<int>& infoCount, std::vector<BleScanInfoWithConfidence> const& infos) {
-  infoCount.push_back(static_cast<int>(infos.size()));
-}
-
 bool hasKind(BleScanInfoWithConfidence const& info) {
   return !info.getKindTransId().empty() && info.getKindTransId() != "0";
 }
 
-// Copies of the records at most six hours older than the last (newest) one, in order.
-std::vector<BleScanInfoWithConfidence> withinSixHours(
-    std::vector<BleScanInfoWithConfidence> const& infos) {
+// The records at most six hours older than the last (newest) one, in order.
+RecordSubset withinSixHours(std::vector<BleScanInfoWithConfidence> const& infos) {
   long long const newest = timeStampOf(infos.back());
-  std::vector<BleScanInfoWithConfidence> recent;
+  std::vector<size_t> recent;
   recent.reserve(infos.size());
-  for (BleScanInfoWithConfidence const& info : infos) {
-    if (elapsed(newest, timeStampOf(info)) < kMaxAge) {
-      recent.push_back(info);
+  for (size_t i = 0; i < infos.size(); ++i) {
+    if (elapsed(newest, timeStampOf(infos[i])) < kMaxAge) {
+      recent.push_back(i);
     }
   }
-  return recent;
+  return RecordSubset(infos, std::move(recent));
+}
+
+// The order that sorts the records by scan time, oldest first; stable. (time, index) pairs
+// sort without touching the records.
+template <typename Records>
+std::vector<size_t> timeOrder(Records const& infos) {
+  std::vector<std::pair<long long, size_t>> keys;
+  keys.reserve(infos.size());
+  for (size_t i = 0; i < infos.size(); ++i) {
+    keys.emplace_back(timeStampOf(infos[i]), i);
+  }
+  std::stable_sort(keys.begin(), keys.end(),
+                   [](auto const& a, auto const& b) { return a.first < b.first; });
+  std::vector<size_t> order;
+  order.reserve(keys.size());
+  for (auto const& key : keys) {
+    order.push_back(key.second);
+  }
+  return order;
 }
 
 using Fate = LocateTrace::Fate;
@@ -105,24 +119,7 @@ void permute(std::vector<BleScanInfoWithConfidence>& infos, std::vector<size_t> 
   }
 }
 
-// Keeps the records at `members`, in that order, without copying them.
-void keepInPlace(std::vector<BleScanInfoWithConfidence>& infos,
-                 std::vector<size_t> const& members) {
-  std::vector<char> kept(infos.size(), 0);
-  std::vector<size_t> order = members;
-  for (size_t member : members) {
-    kept[member] = 1;
-  }
-  for (size_t i = 0; i < infos.size(); ++i) {
-    if (kept[i] == 0) {
-      order.push_back(i);
-    }
-  }
-  permute(infos, order);
-  infos.erase(infos.begin() + static_cast<std::ptrdiff_t>(members.size()), infos.end());
-}
-
-BleScanInfoFilters::ClusterList copyClusters(std::vector<BleScanInfoWithConfidence> const& infos,
+BleScanInfoFilters::ClusterList copyClusters(RecordSubset const& infos,
                                              std::vector<std::vector<size_t>> const& memberLists) {
   BleScanInfoFilters::ClusterList clusters(memberLists.size());
   for (size_t c = 0; c < memberLists.size(); ++c) {
@@ -146,8 +143,7 @@ void markEntered(std::vector<Fate>* fates, std::vector<BleScanInfoWithConfidence
 }
 
 // Records still marked kept that are missing from `survivors` were removed by `stage`.
-void markRemoved(std::vector<Fate>* fates, std::vector<BleScanInfoWithConfidence> const& survivors,
-                 Fate stage) {
+void markRemoved(std::vector<Fate>* fates, RecordSubset const& survivors, Fate stage) {
   if (fates == nullptr) {
     return;
   }
@@ -166,6 +162,7 @@ void markRemoved(std::vector<Fate>* fates, std::vector<BleScanInfoWithConfidence
 
 }  // namespace
 
+// The stages select positions in `infos`; only the survivors are copied, once, at the end.
 std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
     std::vector<BleScanInfoWithConfidence> const& infos, std::vector<int>& infoCount,
     std::vector<Fate>* fates) {
@@ -174,86 +171,93 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
     return {};
   }
   markEntered(fates, infos);
-  appendCount(infoCount, infos);
-  std::vector<BleScanInfoWithConfidence> result = withinSixHours(infos);
+  infoCount.reserve(infoCount.size() + 8);  // a count per stage
+  infoCount.push_back(static_cast<int>(infos.size()));
+  RecordSubset result = withinSixHours(infos);
   markRemoved(fates, result, Fate::kAgeCut);
-  appendCount(infoCount, result);
-  // Without kinds the filter would return a copy of the list, so it need not run.
+  infoCount.push_back(static_cast<int>(result.size()));
+  // Without kinds the filter would keep every record in order, so it need not run.
   if (std::any_of(result.begin(), result.end(), hasKind)) {
-    result = KindTransIDFilter::filter(result);
+    result.keep(KindTransIDFilter::keep(result));
   }
   markRemoved(fates, result, Fate::kKindTransId);
-  appendCount(infoCount, result);
-  keepInPlace(result, ConfidenceFilter::keep(
-                          result, halfAtLeast(result.size(), kMinConfidenceItems), kMinConfidence));
+  infoCount.push_back(static_cast<int>(result.size()));
+  result.keep(ConfidenceFilter::keep(result, halfAtLeast(result.size(), kMinConfidenceItems),
+                                     kMinConfidence));
   markRemoved(fates, result, Fate::kConfidenceCut);
-  appendCount(infoCount, result);
+  infoCount.push_back(static_cast<int>(result.size()));
   logInfo([&] {
     return "Infos size(Before filter, Filtered by timeStamp, by kindTransID, by confidence): " +
            printVec(infoCount);
   });
   dbscanClustering(result, DYNAMIC_STAGE);
   markRemoved(fates, result, Fate::kDynamicCluster);
-  appendCount(infoCount, result);
+  infoCount.push_back(static_cast<int>(result.size()));
   dbscanClustering(result, STATIC_STAGE);
   markRemoved(fates, result, Fate::kStaticCluster);
-  appendCount(infoCount, result);
+  infoCount.push_back(static_cast<int>(result.size()));
   if (GnssUtils::isOutDoor(result)) {
     logInfo([&] { return "GnssRatio: " + std::to_string(GnssUtils::getGnssRatio(result)); });
-    keepInPlace(result, DistanceOffsetFromGnssFilter::keep(result));
+    result.keep(DistanceOffsetFromGnssFilter::keep(result));
     markRemoved(fates, result, Fate::kGnssOffset);
-    appendCount(infoCount, result);
+    infoCount.push_back(static_cast<int>(result.size()));
     logInfo([&] { return "Infos size(Filtered by GNSS std): " + std::to_string(result.size()); });
-    result = DistanceOffsetFilter::filterByDistance(
-        result, halfAtLeast(result.size(), kMinDistanceItems), kMaxDistanceStd);
+    result.keep(DistanceOffsetFilter::keepByDistance(
+        result, halfAtLeast(result.size(), kMinDistanceItems), kMaxDistanceStd));
     markRemoved(fates, result, Fate::kSpreadTrim);
-    appendCount(infoCount, result);
+    infoCount.push_back(static_cast<int>(result.size()));
     logInfo(
         [&] { return "Infos size(Filtered by distance std): " + std::to_string(result.size()); });
   }
-  sortByTimeStamp(result);
-  return result;
+  result.keep(timeOrder(result));
+  return result.records();
 }
 
 void BleScanInfoFilters::sortByTimeStamp(std::vector<BleScanInfoWithConfidence>& infos) {
-  // (time, index) pairs sort without touching the records; ties keep their input order.
-  std::vector<std::pair<long long, size_t>> keys;
-  keys.reserve(infos.size());
-  for (size_t i = 0; i < infos.size(); ++i) {
-    keys.emplace_back(timeStampOf(infos[i]), i);
+  auto const earlier = [](BleScanInfoWithConfidence const& a, BleScanInfoWithConfidence const& b) {
+    return timeStampOf(a) < timeStampOf(b);
+  };
+  if (!std::is_sorted(infos.begin(), infos.end(), earlier)) {
+    permute(infos, timeOrder(infos));
   }
-  std::stable_sort(keys.begin(), keys.end(),
-                   [](auto const& a, auto const& b) { return a.first < b.first; });
-  std::vector<size_t> order;
-  order.reserve(keys.size());
-  for (auto const& key : keys) {
-    order.push_back(key.second);
-  }
-  permute(infos, order);
 }
 
 void BleScanInfoFilters::dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos,
                                           DbscanStage stage) {
+  RecordSubset subset(infos);
+  dbscanClustering(subset, stage);
+  infos = subset.records();
+}
+
+void BleScanInfoFilters::dbscanClustering(RecordSubset& infos, DbscanStage stage) {
   std::string const stageText = std::to_string(static_cast<int>(stage));
   std::vector<std::vector<size_t>> const memberLists = DBScanFilter::filterIndices(
       infos, kClusterMinPts, stage == DYNAMIC_STAGE ? kDynamicEps : kStaticEps);
   size_t clusterCount = memberLists.size();
   if (clusterCount == 1) {
-    keepInPlace(infos, memberLists.front());
+    infos.keep(memberLists.front());
   } else if (clusterCount == 0) {
     // Keeps the last record as the list stands, which need not be the newest one.
     if (!infos.empty()) {
-      infos = {infos.back()};
+      infos.keep({infos.size() - 1});
     }
     logInfo([&] { return "Cluster failed, return latest info in stage " + stageText; });
   } else {
     // Only a choice among several clusters needs them as record lists.
     ClusterList clusters = copyClusters(infos, memberLists);
+    // The static chooser may erase clusters; the others keep their storage, by which the
+    // chosen one is found among the member lists.
+    std::vector<BleScanInfoWithConfidence const*> storage;
+    for (Cluster const& cluster : clusters) {
+      storage.push_back(cluster.data());
+    }
     printClusterResult(clusters);
     int index =
         stage == DYNAMIC_STAGE ? selectDynamicCluster(clusters) : selectStaticCluster(clusters);
     if (index >= 0) {
-      infos = std::move(clusters[static_cast<size_t>(index)]);
+      auto const chosen =
+          std::find(storage.begin(), storage.end(), clusters[static_cast<size_t>(index)].data());
+      infos.keep(memberLists[static_cast<size_t>(chosen - storage.begin())]);
     }
     clusterCount = clusters.size();  // the static chooser may have erased some
   }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "calculator/locate_trace.h"
+#include "filter/record_subset.h"
 #include "model/ble_scan_info_with_confidence.h"
 
 namespace Vantis::Location {
@@ -27,11 +28,12 @@ class BleScanInfoFilters {
       std::vector<BleScanInfoWithConfidence> const& infos, std::vector<int>& infoCount,
       std::vector<LocateTrace::Fate>* fates = nullptr);
 
-  // Replaces `infos` by one cluster of its records (see the stage for radius and chooser).
   // Orders records by scan time, oldest first; stable, so equal times keep their order. The
   // pipeline and the main calculator share this one order.
   static void sortByTimeStamp(std::vector<BleScanInfoWithConfidence>& infos);
+  // Replaces `infos` by one cluster of its records (see the stage for radius and chooser).
   static void dbscanClustering(std::vector<BleScanInfoWithConfidence>& infos, DbscanStage stage);
+  static void dbscanClustering(RecordSubset& infos, DbscanStage stage);
   static void printClusterResult(ClusterList const& clusters);
   // "[a, b]", or "[]" when empty.
   static std::string printVec(std::vector<int> const& values);

@@ -18,8 +18,8 @@ std::vector<BleScanInfoWithConfidence> ConfidenceFilter::filter(
   return result;
 }
 
-std::vector<size_t> ConfidenceFilter::keep(std::vector<BleScanInfoWithConfidence> const& infos,
-                                           int minItems, double threshold) {
+std::vector<size_t> ConfidenceFilter::keep(RecordSubset const& infos, int minItems,
+                                           double threshold) {
   if (infos.empty()) {
     CorvexTagLogger::getInstance().error("infos == null or is empty");
     return {};

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "filter/record_subset.h"
 #include "model/ble_scan_info_with_confidence.h"
 
 namespace Vantis::Location {
@@ -15,9 +16,8 @@ class ConfidenceFilter {
   // more than `minItems` records remain. Empty, with an error line, on bad input.
   static std::vector<BleScanInfoWithConfidence> filter(
       std::vector<BleScanInfoWithConfidence> const& infos, int minItems, double threshold);
-  // The same selection as positions in `infos`, in the order filter() returns the records.
-  static std::vector<size_t> keep(std::vector<BleScanInfoWithConfidence> const& infos, int minItems,
-                                  double threshold);
+  // The same selection as indices into `infos`, in the order filter() returns the records.
+  static std::vector<size_t> keep(RecordSubset const& infos, int minItems, double threshold);
 };
 
 }  // namespace Vantis::Location

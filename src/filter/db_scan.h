@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <numeric>
 #include <optional>
@@ -12,18 +13,21 @@
 #include <utility>
 #include <vector>
 
+#include "filter/key_numbering.h"
 #include "filter/neighbour_grid.h"
+#include "filter/record_subset.h"
 #include "geometry/distance_calculator.h"
 #include "geometry/normal_distance.h"
 #include "interface/corvex_tag_logger.h"
 #include "model/db_scan_class.h"
+#include "model/strict_weak_order_check.h"
 
 namespace Vantis::Location {
 
 // Density-based clustering (DBSCAN, Ester, Kriegel, Sander and Xu, KDD 1996) of records by the
-// {x, y} position getPoint() gives. T derives from DbScanClass and has operator<, operator==,
-// precedesInTotalOrder and nanFieldMask, and getPoint() is {lon, lat} of its
-// getLastLocationConst(); like a scan record, it is ordered first by a
+// {x, y} position getPoint() gives. T is the scan record (StrictWeakOrderCheck knows its
+// fields): it derives from DbScanClass, has operator<, operator== and precedesInTotalOrder,
+// getPoint() is {lon, lat} of its getLastLocationConst(), it is ordered first by a
 // getBlueToothRecordConst() free of NaN, and every field of its operator< also takes part in its
 // operator==. Departures from the textbook: a record reached once is never touched again, so a
 // record found to be noise never becomes a border record of a later cluster; a record operator== to
@@ -37,8 +41,8 @@ class DbScan {
 
   // Clusters in the order of their founding records; noise is dropped. Members are copies.
   std::vector<std::vector<T>> cluster(std::vector<T> const& infos) const;
-  // The same clusters as positions in `infos`, for callers that need not copy records.
-  std::vector<std::vector<size_t>> clusterIndices(std::vector<T> const& infos) const;
+  // The same clusters as indices into `infos`, for callers that need not copy records.
+  std::vector<std::vector<size_t>> clusterIndices(RecordSubset const& infos) const;
   // The single steps of the algorithm, for callers that need them; cluster() works on indices.
   // Copies of the records of `infos`, in order, within eps of `centre` and not == to it.
   std::vector<T> getNeighbours(T const& centre, std::vector<T> const& infos) const;
@@ -70,34 +74,41 @@ class DbScan {
 template <typename T>
 class DbScan<T>::Pass {
  public:
-  Pass(DbScan const& scan, std::vector<T> const& infos);
+  Pass(DbScan const& scan, RecordSubset const& infos);
 
   std::vector<std::vector<size_t>> run();
 
  private:
+  std::vector<size_t> recordsSharingTimes() const;
   template <typename Less>
-  void groupEquivalents(Less less);
-  bool ordersStrictWeakly() const;
-  bool slotsFollowClasses(std::vector<size_t>::const_iterator first,
-                          std::vector<size_t>::const_iterator last) const;
+  void groupEquivalents(std::vector<size_t> const& shared, Less less);
+  long long timeStampOf(size_t record) const {
+    return infos[record].getBlueToothRecordConst().getTimeStamp();
+  }
+  bool ordersStrictWeakly(std::vector<size_t> const& shared) const;
   bool isNeighbour(size_t centre, size_t candidate) const;
   bool isCore(size_t centre) const;
   // Appends the unclaimed neighbours of `centre` to `seeds` in input order (one list grows the
   // whole cluster) and claims their classes.
-  void claimNeighbours(size_t centre, std::vector<size_t>& seeds);
+  void claimNeighbours(size_t centre);
+  // Puts seeds[first..] in ascending order: a large batch by marking, a small one by sorting.
+  void orderBatch(size_t first);
   void claimClass(size_t equivalenceClass);
   std::vector<size_t> addCluster(size_t founder);
 
-  static NeighbourGrid makeGrid(std::vector<T> const& infos, double eps);
+  static NeighbourGrid makeGrid(RecordSubset const& infos, double eps);
 
   DbScan const& scan;
-  std::vector<T> const& infos;
+  RecordSubset const& infos;
   NeighbourGrid grid;
   std::vector<size_t> classOf;              // equivalence class of each record
   std::vector<size_t> byClass;              // records grouped by class
   std::vector<size_t> classBegin;           // members of class c: byClass[classBegin[c] .. [c + 1])
   std::vector<char> classClaimed;           // a labelled class is also claimed
   std::vector<std::optional<int>> labelOf;  // per class
+  std::vector<char> inBatch;                // by record, while a batch is put in order
+  std::vector<size_t> seeds;                // of the cluster being grown
+  std::vector<size_t> members;              // of the cluster being grown
 };
 
 template <typename T>
@@ -129,7 +140,7 @@ std::vector<std::vector<T>> DbScan<T>::cluster(std::vector<T> const& infos) cons
 }
 
 template <typename T>
-std::vector<std::vector<size_t>> DbScan<T>::clusterIndices(std::vector<T> const& infos) const {
+std::vector<std::vector<size_t>> DbScan<T>::clusterIndices(RecordSubset const& infos) const {
   if (infos.empty()) {
     return {};
   }
@@ -163,48 +174,91 @@ double DbScan<T>::distance(DbScanClass const* a, DbScanClass const* b) const {
 }
 
 template <typename T>
-DbScan<T>::Pass::Pass(DbScan const& scan, std::vector<T> const& infos)
+DbScan<T>::Pass::Pass(DbScan const& scan, RecordSubset const& infos)
     : scan(scan), infos(infos), grid(makeGrid(infos, scan.eps)) {
-  groupEquivalents([](T const& a, T const& b) { return a < b; });
-  if (!ordersStrictWeakly()) {
-    groupEquivalents([](T const& a, T const& b) { return a.precedesInTotalOrder(b); });
+  seeds.reserve(infos.size());
+  members.reserve(infos.size());
+  std::vector<size_t> const shared = recordsSharingTimes();
+  if (ordersStrictWeakly(shared)) {
+    groupEquivalents(shared, [](T const& a, T const& b) { return a < b; });
+  } else {
+    groupEquivalents(shared, [](T const& a, T const& b) { return a.precedesInTotalOrder(b); });
   }
+}
+
+// Both orders decide by scan time first, so only records of one scan time can be equivalent.
+// Those records, by time and then position; usually few.
+template <typename T>
+std::vector<size_t> DbScan<T>::Pass::recordsSharingTimes() const {
+  KeyNumbering times(infos.size());
+  std::vector<size_t> timeOf(infos.size());
+  for (size_t i = 0; i < infos.size(); ++i) {
+    timeOf[i] = times.number(static_cast<std::uint64_t>(timeStampOf(i)));
+  }
+  std::vector<size_t> records(times.size(), 0);
+  for (size_t time : timeOf) {
+    ++records[time];
+  }
+  std::vector<size_t> shared;
+  for (size_t i = 0; i < infos.size(); ++i) {
+    if (records[timeOf[i]] > 1) {
+      shared.push_back(i);
+    }
+  }
+  std::stable_sort(shared.begin(), shared.end(),
+                   [this](size_t a, size_t b) { return timeStampOf(a) < timeStampOf(b); });
+  return shared;
 }
 
 template <typename T>
-NeighbourGrid DbScan<T>::Pass::makeGrid(std::vector<T> const& infos, double eps) {
-  std::vector<double> xs;
-  std::vector<double> ys;
-  xs.reserve(infos.size());
-  ys.reserve(infos.size());
+NeighbourGrid DbScan<T>::Pass::makeGrid(RecordSubset const& infos, double eps) {
+  std::vector<std::pair<double, double>> points;
+  points.reserve(infos.size());
   for (T const& info : infos) {  // getPoint() without building a vector per record
-    xs.push_back(info.getLastLocationConst().getLon());
-    ys.push_back(info.getLastLocationConst().getLat());
+    points.emplace_back(info.getLastLocationConst().getLon(), info.getLastLocationConst().getLat());
   }
-  return NeighbourGrid(std::move(xs), std::move(ys), eps);
+  return NeighbourGrid(std::move(points), eps);
 }
 
-// Sorting is stable and neighbours are compared both ways, so that an operator< that is no
-// strict weak ordering (NaN fields) still gives well-formed, deterministic classes.
+// A record with a scan time of its own is a class of its own; these come first in byClass.
+// The records sharing a time follow, and sorting is stable and neighbours are compared both
+// ways, so that an operator< that is no strict weak ordering (NaN fields) still gives
+// well-formed, deterministic classes.
 template <typename T>
 template <typename Less>
-void DbScan<T>::Pass::groupEquivalents(Less less) {
-  byClass.resize(infos.size());
-  std::iota(byClass.begin(), byClass.end(), size_t{0});
-  // Both orders decide by scan time first: the cached time settles most comparisons.
-  std::vector<long long> times(infos.size());
-  for (size_t i = 0; i < infos.size(); ++i) {
-    times[i] = infos[i].getBlueToothRecordConst().getTimeStamp();
+void DbScan<T>::Pass::groupEquivalents(std::vector<size_t> const& shared, Less less) {
+  std::vector<char> sharesTime(infos.size(), 0);
+  for (size_t record : shared) {
+    sharesTime[record] = 1;
   }
-  std::stable_sort(byClass.begin(), byClass.end(), [this, less, &times](size_t a, size_t b) {
-    return times[a] != times[b] ? times[a] < times[b] : less(infos[a], infos[b]);
-  });
-  classOf.resize(infos.size());
+  byClass.clear();
+  byClass.reserve(infos.size());
   classBegin.clear();
-  for (size_t slot = 0; slot < byClass.size(); ++slot) {
+  classBegin.reserve(infos.size() + 1);
+  classOf.resize(infos.size());
+  for (size_t record = 0; record < infos.size(); ++record) {
+    if (sharesTime[record] == 0) {
+      classOf[record] = classBegin.size();
+      classBegin.push_back(byClass.size());
+      byClass.push_back(record);
+    }
+  }
+  size_t const firstShared = byClass.size();
+  byClass.insert(byClass.end(), shared.begin(), shared.end());
+  auto const sameTime = [this](size_t a, size_t b) { return timeStampOf(a) == timeStampOf(b); };
+  for (auto run = byClass.begin() + static_cast<std::ptrdiff_t>(firstShared);
+       run != byClass.end();) {
+    auto const runEnd =
+        std::find_if_not(run, byClass.end(), [&](size_t r) { return sameTime(r, *run); });
+    std::stable_sort(run, runEnd,
+                     [this, less](size_t a, size_t b) { return less(infos[a], infos[b]); });
+    run = runEnd;
+  }
+  for (size_t slot = firstShared; slot < byClass.size(); ++slot) {
     T const& info = infos[byClass[slot]];
-    T const& previous = infos[byClass[slot == 0 ? 0 : slot - 1]];
-    if (slot == 0 || less(previous, info) || less(info, previous)) {
+    T const& previous = infos[byClass[slot == firstShared ? slot : slot - 1]];
+    if (slot == firstShared || !sameTime(byClass[slot - 1], byClass[slot]) ||
+        less(previous, info) || less(info, previous)) {
       classBegin.push_back(slot);
     }
     classOf[byClass[slot]] = classBegin.size() - 1;
@@ -214,71 +268,19 @@ void DbScan<T>::Pass::groupEquivalents(Less less) {
   labelOf.assign(classBegin.size() - 1, std::nullopt);
 }
 
-// A scan record's operator< decides by its BlueToothRecord first, whose fields cannot be NaN,
-// and every ordering field also takes part in operator==. So the ordering can only break among
-// at least three records with equivalent BlueToothRecords and different NaN fields; such
-// groups are checked against the sorted classes.
+// Records of distinct scan times are ordered by them, so only the shared ones can break the
+// ordering, and only through NaN fields, which every ordering field also takes to operator==.
 template <typename T>
-bool DbScan<T>::Pass::ordersStrictWeakly() const {
-  if (std::all_of(infos.begin(), infos.end(), [](T const& info) { return info == info; })) {
+bool DbScan<T>::Pass::ordersStrictWeakly(std::vector<size_t> const& shared) const {
+  std::vector<T const*> records;
+  records.reserve(shared.size());
+  for (size_t record : shared) {
+    records.push_back(&infos[record]);
+  }
+  if (std::all_of(records.begin(), records.end(), [](T const* r) { return *r == *r; })) {
     return true;
   }
-  auto const scanOf = [this](size_t slot) -> auto const& {
-    return infos[byClass[slot]].getBlueToothRecordConst();
-  };
-  std::vector<size_t> slots(byClass.size());  // by scan, each group in ascending slot order
-  std::iota(slots.begin(), slots.end(), size_t{0});
-  std::stable_sort(slots.begin(), slots.end(),
-                   [&scanOf](size_t a, size_t b) { return scanOf(a) < scanOf(b); });
-  for (size_t begin = 0, end = 1; begin < slots.size(); begin = end++) {
-    while (end < slots.size() && !(scanOf(slots[end - 1]) < scanOf(slots[end]))) {
-      ++end;
-    }
-    if (!slotsFollowClasses(slots.begin() + begin, slots.begin() + end)) {
-      return false;
-    }
-  }
-  return true;
-}
-
-// Whether the records in these slots (ascending) are ordered exactly as their classes say.
-// Records of one scan with the same NaN fields order strictly weakly, and stable_sort put them
-// in order. Otherwise records equivalent under precedesInTotalOrder compare alike with every record
-// (they differ at most in NaN payloads and zero signs), so one representative of each is checked
-// pairwise once all of them are found in one class: a run of identical records costs a sort, not a
-// square.
-template <typename T>
-bool DbScan<T>::Pass::slotsFollowClasses(std::vector<size_t>::const_iterator first,
-                                         std::vector<size_t>::const_iterator last) const {
-  auto const record = [this](size_t slot) -> T const& { return infos[byClass[slot]]; };
-  unsigned const mask = record(*first).nanFieldMask();
-  if (last - first < 3 || std::all_of(first, last, [&record, mask](size_t slot) {
-        return record(slot).nanFieldMask() == mask;
-      })) {
-    return true;
-  }
-  std::vector<size_t> alike(first, last);
-  std::stable_sort(alike.begin(), alike.end(), [&record](size_t a, size_t b) {
-    return record(a).precedesInTotalOrder(record(b));
-  });
-  std::vector<size_t> representatives = {alike.front()};
-  for (size_t i = 1; i < alike.size(); ++i) {
-    if (record(alike[i - 1]).precedesInTotalOrder(record(alike[i]))) {
-      representatives.push_back(alike[i]);
-    } else if (classOf[byClass[alike[i]]] != classOf[byClass[representatives.back()]]) {
-      return false;
-    }
-  }
-  std::sort(representatives.begin(), representatives.end());
-  for (auto lower = representatives.begin(); lower != representatives.end(); ++lower) {
-    for (auto upper = lower + 1; upper != representatives.end(); ++upper) {
-      bool const equivalent = classOf[byClass[*lower]] == classOf[byClass[*upper]];
-      if (record(*upper) < record(*lower) || (record(*lower) < record(*upper)) == equivalent) {
-        return false;
-      }
-    }
-  }
-  return true;
+  return StrictWeakOrderCheck::holds(std::move(records));
 }
 
 template <typename T>
@@ -323,7 +325,7 @@ bool DbScan<T>::Pass::isCore(size_t centre) const {
 // Records of classes claimed before are left out: either they are labelled, and would be
 // skipped, or their class is already in the seed list, and a merge would not take them.
 template <typename T>
-void DbScan<T>::Pass::claimNeighbours(size_t centre, std::vector<size_t>& seeds) {
+void DbScan<T>::Pass::claimNeighbours(size_t centre) {
   size_t const first = seeds.size();
   grid.forEachUnclaimedNear(centre, [&](size_t candidate) {
     if (isNeighbour(centre, candidate)) {
@@ -331,9 +333,37 @@ void DbScan<T>::Pass::claimNeighbours(size_t centre, std::vector<size_t>& seeds)
     }
     return true;
   });
-  std::sort(seeds.begin() + static_cast<std::ptrdiff_t>(first), seeds.end());
+  orderBatch(first);
   for (size_t slot = first; slot < seeds.size(); ++slot) {
     claimClass(classOf[seeds[slot]]);
+  }
+}
+
+// A batch holds each record once. Marking costs the span of its indices, sorting about
+// log2(size) steps per record: a founder in a dense crowd claims nearly everyone at once.
+template <typename T>
+void DbScan<T>::Pass::orderBatch(size_t first) {
+  auto const begin = seeds.begin() + static_cast<std::ptrdiff_t>(first);
+  if (seeds.end() - begin < 2) {
+    return;
+  }
+  auto const [low, high] = std::minmax_element(begin, seeds.end());
+  size_t const span = *high - *low + 1;
+  if (span > 16 * static_cast<size_t>(seeds.end() - begin)) {
+    std::sort(begin, seeds.end());
+    return;
+  }
+  size_t const from = *low;
+  inBatch.resize(infos.size(), 0);
+  for (auto seed = begin; seed != seeds.end(); ++seed) {
+    inBatch[*seed] = 1;
+  }
+  auto out = begin;
+  for (size_t record = from; record < from + span; ++record) {
+    if (inBatch[record] != 0) {
+      inBatch[record] = 0;
+      *out++ = record;
+    }
   }
 }
 
@@ -349,26 +379,29 @@ void DbScan<T>::Pass::claimClass(size_t equivalenceClass) {
   }
 }
 
+// seeds and members are working lists kept for the whole pass: a cluster costs one allocation.
 template <typename T>
 std::vector<size_t> DbScan<T>::Pass::addCluster(size_t founder) {
-  std::vector<size_t> members = {founder};
+  members.assign(1, founder);
   labelOf[classOf[founder]] = scan.clusterLabel;
   claimClass(classOf[founder]);
-  std::vector<size_t> seeds;
-  claimNeighbours(founder, seeds);
+  seeds.clear();
+  claimNeighbours(founder);
   for (size_t next = 0; next < seeds.size(); ++next) {
     size_t const seed = seeds[next];
     std::optional<int>& label = labelOf[classOf[seed]];
     if (label) {
       continue;
     }
-    if (isCore(seed)) {
-      claimNeighbours(seed, seeds);
+    // A seed is within eps of the record that found it and not == to it: a neighbour enough
+    // when one is all a core record needs.
+    if (scan.minPts <= 1 || isCore(seed)) {
+      claimNeighbours(seed);
     }
     label = scan.clusterLabel;
     members.push_back(seed);
   }
-  return members;
+  return std::vector<size_t>(members.begin(), members.end());
 }
 
 }  // namespace Vantis::Location

@@ -7,22 +7,22 @@ namespace Vantis::Location {
 
 std::vector<std::vector<BleScanInfoWithConfidence>> DBScanFilter::filter(
     std::vector<BleScanInfoWithConfidence> const& infos, int minPts, double eps) {
-  if (!acceptsInput(infos, minPts)) {
+  if (!acceptsInput(infos.empty(), minPts)) {
     return {};
   }
   return DbScan<BleScanInfoWithConfidence>(eps, minPts).cluster(infos);
 }
 
-std::vector<std::vector<size_t>> DBScanFilter::filterIndices(
-    std::vector<BleScanInfoWithConfidence> const& infos, int minPts, double eps) {
-  if (!acceptsInput(infos, minPts)) {
+std::vector<std::vector<size_t>> DBScanFilter::filterIndices(RecordSubset const& infos, int minPts,
+                                                             double eps) {
+  if (!acceptsInput(infos.empty(), minPts)) {
     return {};
   }
   return DbScan<BleScanInfoWithConfidence>(eps, minPts).clusterIndices(infos);
 }
 
-bool DBScanFilter::acceptsInput(std::vector<BleScanInfoWithConfidence> const& infos, int minPts) {
-  if (infos.empty()) {
+bool DBScanFilter::acceptsInput(bool empty, int minPts) {
+  if (empty) {
     CorvexTagLogger::getInstance().error("infos == null or is empty");
     return false;
   }

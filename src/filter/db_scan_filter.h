@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "filter/record_subset.h"
 #include "model/ble_scan_info_with_confidence.h"
 
 namespace Vantis::Location {
@@ -15,13 +16,13 @@ class DBScanFilter {
   // empty list or minPts below 1.
   static std::vector<std::vector<BleScanInfoWithConfidence>> filter(
       std::vector<BleScanInfoWithConfidence> const& infos, int minPts, double eps);
-  // The same clusters as positions in `infos`, with the same error lines.
-  static std::vector<std::vector<size_t>> filterIndices(
-      std::vector<BleScanInfoWithConfidence> const& infos, int minPts, double eps);
+  // The same clusters as indices into `infos`, with the same error lines.
+  static std::vector<std::vector<size_t>> filterIndices(RecordSubset const& infos, int minPts,
+                                                        double eps);
 
  private:
   // Logs why and answers false for an empty list or minPts below 1.
-  static bool acceptsInput(std::vector<BleScanInfoWithConfidence> const& infos, int minPts);
+  static bool acceptsInput(bool empty, int minPts);
 };
 
 }  // namespace Vantis::Location

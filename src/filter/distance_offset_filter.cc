@@ -18,8 +18,7 @@ bool spreadExceeds(std::vector<BleScanInfoWithConfidence> const& infos, int minI
 }
 }  // namespace
 
-bool DistanceOffsetFilter::checkValid(std::vector<BleScanInfoWithConfidence> const& infos,
-                                      int minItems) {
+bool DistanceOffsetFilter::checkValid(RecordSubset const& infos, int minItems) {
   if (infos.empty()) {
     CorvexTagLogger::getInstance().error("infos is null or empty");
     return false;
@@ -60,6 +59,15 @@ int DistanceOffsetFilter::getOldestIndex(std::vector<BleScanInfoWithConfidence> 
 
 std::vector<BleScanInfoWithConfidence> DistanceOffsetFilter::filterByDistance(
     std::vector<BleScanInfoWithConfidence> const& infos, int minItems, double maxStd) {
+  std::vector<BleScanInfoWithConfidence> result;
+  for (size_t index : keepByDistance(infos, minItems, maxStd)) {
+    result.push_back(infos[index]);
+  }
+  return result;
+}
+
+std::vector<size_t> DistanceOffsetFilter::keepByDistance(RecordSubset const& infos, int minItems,
+                                                         double maxStd) {
   if (!checkValid(infos, minItems)) {
     return {};
   }
@@ -71,13 +79,7 @@ std::vector<BleScanInfoWithConfidence> DistanceOffsetFilter::filterByDistance(
     xs.push_back(info.getLastLocationConst().getLon());
     ys.push_back(info.getLastLocationConst().getLat());
   }
-  std::vector<size_t> const kept = SpreadTrimmer::keep(xs, ys, minItems, maxStd);
-  std::vector<BleScanInfoWithConfidence> result;
-  result.reserve(kept.size());
-  for (size_t index : kept) {
-    result.push_back(infos[index]);
-  }
-  return result;
+  return SpreadTrimmer::keep(xs, ys, minItems, maxStd);
 }
 
 std::vector<BleScanInfoWithConfidence> DistanceOffsetFilter::filterByTime(

@@ -1,8 +1,10 @@
 #ifndef CORVEX_FILTER_DISTANCE_OFFSET_FILTER_H_
 #define CORVEX_FILTER_DISTANCE_OFFSET_FILTER_H_
 
+#include <cstddef>
 #include <vector>
 
+#include "filter/record_subset.h"
 #include "model/ble_scan_info_with_confidence.h"
 
 namespace Vantis::Location {
@@ -12,7 +14,7 @@ namespace Vantis::Location {
 class DistanceOffsetFilter {
  public:
   // False, with an error line, for an empty list or minItems below 1.
-  static bool checkValid(std::vector<BleScanInfoWithConfidence> const& infos, int minItems);
+  static bool checkValid(RecordSubset const& infos, int minItems);
   // Index of the record farthest from `point` (first of equals); -1 when all are at distance 0.
   static int getMaxOffsetIndex(std::vector<BleScanInfoWithConfidence> const& infos,
                                std::vector<double> const& point);
@@ -23,6 +25,8 @@ class DistanceOffsetFilter {
   // Removes the record farthest from the centroid; keeps input order.
   static std::vector<BleScanInfoWithConfidence> filterByDistance(
       std::vector<BleScanInfoWithConfidence> const& infos, int minItems, double maxStd);
+  // The records filterByDistance keeps, as ascending indices into `infos`.
+  static std::vector<size_t> keepByDistance(RecordSubset const& infos, int minItems, double maxStd);
   // Removes the oldest record; keeps input order.
   static std::vector<BleScanInfoWithConfidence> filterByTime(
       std::vector<BleScanInfoWithConfidence> const& infos, int minItems, double maxStd);

@@ -14,7 +14,7 @@ namespace {
 constexpr double kMaxGnssOffset = 75.0;  // metres
 }  // namespace
 
-bool DistanceOffsetFromGnssFilter::checkValid(std::vector<BleScanInfoWithConfidence> const& infos) {
+bool DistanceOffsetFromGnssFilter::checkValid(RecordSubset const& infos) {
   if (infos.empty()) {
     CorvexTagLogger::getInstance().error("infos is null or empty");
     return false;
@@ -33,8 +33,7 @@ std::vector<BleScanInfoWithConfidence> DistanceOffsetFromGnssFilter::filter(
   return result;
 }
 
-std::vector<size_t> DistanceOffsetFromGnssFilter::keep(
-    std::vector<BleScanInfoWithConfidence> const& infos) {
+std::vector<size_t> DistanceOffsetFromGnssFilter::keep(RecordSubset const& infos) {
   std::vector<size_t> kept(infos.size());
   std::iota(kept.begin(), kept.end(), size_t{0});
   if (!checkValid(infos)) {

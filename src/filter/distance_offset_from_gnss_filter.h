@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "filter/record_subset.h"
 #include "model/ble_scan_info_with_confidence.h"
 
 namespace Vantis::Location {
@@ -13,13 +14,13 @@ namespace Vantis::Location {
 class DistanceOffsetFromGnssFilter {
  public:
   // False, with an error line, for an empty list.
-  static bool checkValid(std::vector<BleScanInfoWithConfidence> const& infos);
+  static bool checkValid(RecordSubset const& infos);
   // Records closer than 75 metres to the centroid of the proactive GNSS records, in input
   // order; the whole input when those records are not cohesive.
   static std::vector<BleScanInfoWithConfidence> filter(
       std::vector<BleScanInfoWithConfidence> const& infos);
-  // The same selection as positions in `infos`, ascending.
-  static std::vector<size_t> keep(std::vector<BleScanInfoWithConfidence> const& infos);
+  // The same selection as indices into `infos`, ascending.
+  static std::vector<size_t> keep(RecordSubset const& infos);
 };
 
 }  // namespace Vantis::Location

@@ -1,8 +1,10 @@
 #ifndef CORVEX_FILTER_KIND_TRANS_ID_FILTER_H_
 #define CORVEX_FILTER_KIND_TRANS_ID_FILTER_H_
 
+#include <cstddef>
 #include <vector>
 
+#include "filter/record_subset.h"
 #include "model/ble_scan_info_with_confidence.h"
 
 namespace Vantis::Location {
@@ -14,6 +16,8 @@ class KindTransIDFilter {
   // one with the highest newConfidence. Empty, with an error line, for an empty list.
   static std::vector<BleScanInfoWithConfidence> filter(
       std::vector<BleScanInfoWithConfidence> const& infos);
+  // The same selection as indices into `infos`, in the order filter() returns the records.
+  static std::vector<size_t> keep(RecordSubset const& infos);
 };
 
 }  // namespace Vantis::Location

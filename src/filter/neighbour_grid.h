@@ -1,7 +1,6 @@
 #ifndef CORVEX_FILTER_NEIGHBOUR_GRID_H_
 #define CORVEX_FILTER_NEIGHBOUR_GRID_H_
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -9,16 +8,19 @@
 
 namespace Vantis::Location {
 
+class KeyNumbering;
+
 // Uniform-grid bucketing of 2-D points for fixed-radius neighbour searches (Bentley, Stanat and
 // Williams, Information Processing Letters 6(6), 1977): every point within eps of a point lies
 // in the 3 x 3 cells around it. Also tracks which points are still
 // unclaimed, so that a search can skip points already handed out.
-// Where rounding could defeat the grid (non-finite radius or coordinates) all points share one
-// cell and a search degrades to a linear scan.
+// A point with a non-finite coordinate is within no finite eps of anything: its searches find
+// nothing and no search finds it. Where rounding could defeat the grid (a radius that is not
+// finite or too large) all points share one cell and a search degrades to a linear scan.
 class NeighbourGrid {
  public:
-  // xs, ys: coordinates of point i; eps: the search radius (>= 0; NaN finds nothing).
-  NeighbourGrid(std::vector<double> xs, std::vector<double> ys, double eps);
+  // points[i] = {x, y} of point i; eps: the search radius (>= 0; NaN finds nothing).
+  NeighbourGrid(std::vector<std::pair<double, double>> points, double eps);
 
   // Euclidean distance of points a and b, summed as NormalDistance does, is <= eps.
   bool withinEps(size_t a, size_t b) const;
@@ -34,33 +36,41 @@ class NeighbourGrid {
   void claim(size_t index);
 
  private:
-  using CellKey = std::pair<std::int64_t, std::int64_t>;
+  // Column and row of a cell, each offset to unsigned 32 bits, column in the high half.
+  using CellKey = std::uint64_t;
 
-  void assignCells();
-  // Calls visitCell(c) for each cell c around `centre` until it returns false.
-  template <typename VisitCell>
-  void forEachCellNear(size_t centre, VisitCell visitCell) const;
+  struct Cell {
+    size_t begin;  // slots [begin, end) hold the cell's points,
+    size_t end;    // [begin, unclaimedEnd) the unclaimed ones
+    size_t unclaimedEnd;
+    size_t nearBegin;  // nearCells[nearBegin, nearEnd): the occupied cells around it, itself too
+    size_t nearEnd;
+  };
+  struct Place {
+    size_t cell;
+    size_t slot;  // slots[slot] is the point
+  };
 
-  std::vector<double> xs;
-  std::vector<double> ys;
+  std::vector<CellKey> cellKeys() const;
+  void groupByCell(std::vector<CellKey> const& keys);
+  // Each cell's neighbour cells, found once instead of per search.
+  void linkNearCells(std::vector<CellKey> const& keyOfCell, KeyNumbering const& numbers);
+
+  std::vector<std::pair<double, double>> points;
   double eps;
-  std::vector<CellKey> keyOf;        // cell of each point
-  std::vector<CellKey> cellKeys;     // distinct cells, ascending
-  std::vector<size_t> cellOf;        // index into cellKeys of each point
-  std::vector<size_t> cellBegin;     // slots of cell c: [cellBegin[c], cellBegin[c + 1])
-  std::vector<size_t> unclaimedEnd;  // slots [cellBegin[c], unclaimedEnd[c]) are unclaimed
-  std::vector<size_t> slots;         // point indices grouped by cell
-  std::vector<size_t> slotOf;        // slots[slotOf[i]] == i
+  std::vector<Place> placeOf;  // by point
+  std::vector<Cell> cells;
+  std::vector<size_t> slots;  // point indices grouped by cell
+  std::vector<size_t> nearCells;
 };
 
-template <typename VisitCell>
-void NeighbourGrid::forEachCellNear(size_t centre, VisitCell visitCell) const {
-  CellKey const key = keyOf[centre];
-  for (std::int64_t column = key.first - 1; column <= key.first + 1; ++column) {
-    CellKey const last{column, key.second + 1};
-    auto cell = std::lower_bound(cellKeys.begin(), cellKeys.end(), CellKey{column, key.second - 1});
-    for (; cell != cellKeys.end() && *cell <= last; ++cell) {
-      if (!visitCell(static_cast<size_t>(cell - cellKeys.begin()))) {
+template <typename Visit>
+void NeighbourGrid::forEachNear(size_t centre, Visit visit) const {
+  Cell const& cell = cells[placeOf[centre].cell];
+  for (size_t near = cell.nearBegin; near < cell.nearEnd; ++near) {
+    Cell const& other = cells[nearCells[near]];
+    for (size_t slot = other.begin; slot < other.end; ++slot) {
+      if (!visit(slots[slot])) {
         return;
       }
     }
@@ -68,27 +78,16 @@ void NeighbourGrid::forEachCellNear(size_t centre, VisitCell visitCell) const {
 }
 
 template <typename Visit>
-void NeighbourGrid::forEachNear(size_t centre, Visit visit) const {
-  forEachCellNear(centre, [&](size_t cell) {
-    for (size_t slot = cellBegin[cell]; slot < cellBegin[cell + 1]; ++slot) {
-      if (!visit(slots[slot])) {
-        return false;
-      }
-    }
-    return true;
-  });
-}
-
-template <typename Visit>
 void NeighbourGrid::forEachUnclaimedNear(size_t centre, Visit visit) const {
-  forEachCellNear(centre, [&](size_t cell) {
-    for (size_t slot = cellBegin[cell]; slot < unclaimedEnd[cell]; ++slot) {
+  Cell const& cell = cells[placeOf[centre].cell];
+  for (size_t near = cell.nearBegin; near < cell.nearEnd; ++near) {
+    Cell const& other = cells[nearCells[near]];
+    for (size_t slot = other.begin; slot < other.unclaimedEnd; ++slot) {
       if (!visit(slots[slot])) {
-        return false;
+        return;
       }
     }
-    return true;
-  });
+  }
 }
 
 }  // namespace Vantis::Location

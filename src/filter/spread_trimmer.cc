@@ -26,6 +26,9 @@ constexpr double kTinySquarePerPoint = 0x1p-1070;
 constexpr size_t kBaseTopSize = 512;
 // More candidates than this in one pass recentre the list of far points.
 constexpr size_t kMaxCandidates = 16;
+// Up to this many points the plain passes take less time than keeping the bounds: their
+// sums are dependent additions, but cheap ones.
+constexpr size_t kMaxPlainCount = 200;
 
 // The next double above (below) a finite value: outward rounding of one correctly rounded
 // operation.
@@ -117,7 +120,6 @@ SpreadTrimmer::SpreadTrimmer(std::vector<double> const& xs, std::vector<double> 
       minItems_(minItems),
       maxStd_(maxStd),
       count_(std::min(xs.size(), ys.size())),
-      removed_(count_, 0),
       live_(count_) {
   for (size_t i = 0; i < count_; ++i) {
     live_[i] = i;
@@ -125,12 +127,14 @@ SpreadTrimmer::SpreadTrimmer(std::vector<double> const& xs, std::vector<double> 
 }
 
 std::vector<size_t> SpreadTrimmer::run() {
-  bool const bounded = boundable();
-  if (bounded) {
-    rebuild(kBaseTopSize);
+  if (!boundable()) {
+    return plainRun();
   }
+  removed_.assign(count_, 0);
+  candidates_.reserve(2 * kMaxCandidates);
+  rebuild(kBaseTopSize);
   while (static_cast<long long>(count_) > minItems_) {
-    Step step = bounded ? boundedStep() : Step{Step::kUndecided, 0};
+    Step step = boundedStep();
     if (step.kind == Step::kUndecided) {
       step = exactStep();
     }
@@ -143,43 +147,72 @@ std::vector<size_t> SpreadTrimmer::run() {
   return live_;
 }
 
-// Non-finite or huge coordinates leave every pass to the plain arithmetic.
+// Few points, or non-finite or huge coordinates, leave every pass to the plain arithmetic.
 bool SpreadTrimmer::boundable() const {
   auto const moderate = [](double v) { return std::fabs(v) <= kMaxMagnitude; };
-  return count_ <= kMaxBoundedCount && std::all_of(xs_.begin(), xs_.begin() + count_, moderate) &&
+  return count_ > kMaxPlainCount && count_ <= kMaxBoundedCount &&
+         std::all_of(xs_.begin(), xs_.begin() + count_, moderate) &&
          std::all_of(ys_.begin(), ys_.begin() + count_, moderate);
 }
 
-// One pass of the plain loop.
+// Every pass the plain way. The kept points stay gathered in list order, so that a pass reads
+// them directly and a removal just closes the gap; no bounds are kept.
+std::vector<size_t> SpreadTrimmer::plainRun() {
+  keptX_.assign(xs_.begin(), xs_.begin() + static_cast<std::ptrdiff_t>(count_));
+  keptY_.assign(ys_.begin(), ys_.begin() + static_cast<std::ptrdiff_t>(count_));
+  while (static_cast<long long>(live_.size()) > minItems_) {
+    int const farthest = plainPass();
+    if (farthest < 0) {
+      break;
+    }
+    keptX_.erase(keptX_.begin() + farthest);
+    keptY_.erase(keptY_.begin() + farthest);
+    live_.erase(live_.begin() + farthest);
+  }
+  return live_;
+}
+
+// One pass of the plain loop, as exactStep of the bounded run.
 SpreadTrimmer::Step SpreadTrimmer::exactStep() {
   compact();
+  keptX_.clear();
+  keptY_.clear();
+  for (size_t position : live_) {
+    keptX_.push_back(xs_[position]);
+    keptY_.push_back(ys_[position]);
+  }
+  int const farthest = plainPass();
+  return farthest < 0 ? Step{Step::kStop, 0}
+                      : Step{Step::kRemove, live_[static_cast<size_t>(farthest)]};
+}
+
+// The plain loop's pass over keptX_/keptY_ (the kept points in list order): where among them
+// the point to remove stands, or -1 to stop.
+int SpreadTrimmer::plainPass() {
   double sumX = 0.0;
   double sumY = 0.0;
-  for (size_t position : live_) {
-    sumX += xs_[position];
-    sumY += ys_[position];
+  for (size_t k = 0; k < keptX_.size(); ++k) {
+    sumX += keptX_[k];
+    sumY += keptY_[k];
   }
-  double const count = static_cast<double>(live_.size());
+  double const count = static_cast<double>(keptX_.size());
   double const meanX = sumX / count;
   double const meanY = sumY / count;
-  offsets_.resize(live_.size());
+  offsets_.resize(keptX_.size());
   double sum = 0.0;
   double largest = 0.0;
-  for (size_t k = 0; k < live_.size(); ++k) {
-    double const dx = xs_[live_[k]] - meanX;
-    double const dy = ys_[live_[k]] - meanY;
+  for (size_t k = 0; k < keptX_.size(); ++k) {
+    double const dx = keptX_[k] - meanX;
+    double const dy = keptY_[k] - meanY;
     offsets_[k] = dx * dx + dy * dy;
     sum += offsets_[k];
     largest = offsets_[k] > largest ? offsets_[k] : largest;
   }
   if (!(std::sqrt(sum / count) > maxStd_)) {
-    return {Step::kStop, 0};
+    return -1;
   }
-  int const farthest = firstWithRootOf(offsets_, largest);
-  if (farthest < 0) {
-    return {Step::kStop, 0};  // every point sits on the centroid: nothing to strip
-  }
-  return {Step::kRemove, live_[static_cast<size_t>(farthest)]};
+  // -1 too when every point sits on the centroid: nothing to strip.
+  return firstWithRootOf(offsets_, largest);
 }
 
 SpreadTrimmer::Step SpreadTrimmer::boundedStep() {

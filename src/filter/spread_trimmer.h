@@ -55,7 +55,9 @@ class SpreadTrimmer {
 
   std::vector<size_t> run();
   bool boundable() const;
+  std::vector<size_t> plainRun();
   Step exactStep();
+  int plainPass();
   Step boundedStep();
   Verdict spreadExceeds(Bounds meanX, Bounds meanY) const;
   Step farthestStep(Bounds meanX, Bounds meanY);
@@ -71,10 +73,12 @@ class SpreadTrimmer {
   std::vector<double> const& ys_;
   int minItems_;
   double maxStd_;
-  size_t count_;                 // points still kept
-  std::vector<char> removed_;    // by position
-  std::vector<size_t> live_;     // ascending positions, removed ones dropped by compact()
-  std::vector<double> offsets_;  // squared distances of the last exact pass
+  size_t count_;               // points still kept
+  std::vector<char> removed_;  // by position
+  std::vector<size_t> live_;   // ascending positions, removed ones dropped by compact()
+  std::vector<double> keptX_;  // the kept points of a plain pass, in list order
+  std::vector<double> keptY_;
+  std::vector<double> offsets_;  // squared distances of the last plain pass
   // Bounds on the exact sums over the points kept, and how far a sum in list order can stray
   // from the exact sum.
   Bounds sumX_{0.0, 0.0};

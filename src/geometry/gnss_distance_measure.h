@@ -17,6 +17,12 @@ class GnssDistanceMeasure {
   static double computeGnssDistance(LastLocation const& a, LastLocation const& b);
   // Distance (metres) between two {lon, lat} vectors (degrees); 0.0 when either is invalid.
   static double compute(std::vector<double> const& a, std::vector<double> const& b);
+  // The same for {aLon, aLat} and {bLon, bLat} (degrees), without building vectors.
+  static double compute(double aLon, double aLat, double bLon, double bLat);
+
+ private:
+  static bool isValid(double lon, double lat);
+  static double haversine(double aLon, double aLat, double bLon, double bLat);
 };
 
 }  // namespace Vantis::Location

@@ -1,5 +1,7 @@
 #include "geometry/gnss_utils.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "geometry/distance_utils.h"
@@ -18,7 +20,8 @@ bool GnssUtils::isGnss(BleScanInfoWithConfidence const& info) {
   return info.getLastLocationConst().getLocationType() == kGnssLocationType;
 }
 
-bool GnssUtils::checkValid(std::vector<BleScanInfoWithConfidence> const& infos) {
+template <typename Records>
+bool GnssUtils::checkValidOf(Records const& infos) {
   if (infos.empty()) {
     CorvexTagLogger::getInstance().error("infos == null or is empty");
     return false;
@@ -26,8 +29,9 @@ bool GnssUtils::checkValid(std::vector<BleScanInfoWithConfidence> const& infos) 
   return true;
 }
 
-int GnssUtils::getGnssCount(std::vector<BleScanInfoWithConfidence> const& infos) {
-  if (!checkValid(infos)) {
+template <typename Records>
+int GnssUtils::gnssCountOf(Records const& infos) {
+  if (!checkValidOf(infos)) {
     return 0;
   }
   int count = 0;
@@ -39,29 +43,55 @@ int GnssUtils::getGnssCount(std::vector<BleScanInfoWithConfidence> const& infos)
   return count;
 }
 
-double GnssUtils::getGnssRatio(std::vector<BleScanInfoWithConfidence> const& infos) {
-  if (!checkValid(infos)) {
+template <typename Records>
+double GnssUtils::gnssRatioOf(Records const& infos) {
+  if (!checkValidOf(infos)) {
     return 0.0;
   }
-  return static_cast<double>(getGnssCount(infos)) / static_cast<double>(infos.size());
+  return static_cast<double>(gnssCountOf(infos)) / static_cast<double>(infos.size());
 }
 
-bool GnssUtils::isOutDoor(std::vector<BleScanInfoWithConfidence> const& infos) {
-  return getGnssRatio(infos) > kOutDoorRatio;
+template <typename Records>
+std::vector<BleScanInfoWithConfidence> GnssUtils::proactiveListOf(Records const& infos) {
+  std::vector<BleScanInfoWithConfidence> proactive;
+  if (!checkValidOf(infos)) {
+    return proactive;
+  }
+  auto const isProactive = [](BleScanInfoWithConfidence const& info) {
+    return isGnss(info) && info.getConfidence() >= kProactiveConfidence;
+  };
+  proactive.reserve(static_cast<size_t>(std::count_if(infos.begin(), infos.end(), isProactive)));
+  std::copy_if(infos.begin(), infos.end(), std::back_inserter(proactive), isProactive);
+  return proactive;
 }
+
+bool GnssUtils::checkValid(std::vector<BleScanInfoWithConfidence> const& infos) {
+  return checkValidOf(infos);
+}
+
+int GnssUtils::getGnssCount(std::vector<BleScanInfoWithConfidence> const& infos) {
+  return gnssCountOf(infos);
+}
+
+double GnssUtils::getGnssRatio(std::vector<BleScanInfoWithConfidence> const& infos) {
+  return gnssRatioOf(infos);
+}
+
+double GnssUtils::getGnssRatio(RecordSubset const& infos) { return gnssRatioOf(infos); }
+
+bool GnssUtils::isOutDoor(std::vector<BleScanInfoWithConfidence> const& infos) {
+  return gnssRatioOf(infos) > kOutDoorRatio;
+}
+
+bool GnssUtils::isOutDoor(RecordSubset const& infos) { return gnssRatioOf(infos) > kOutDoorRatio; }
 
 std::vector<BleScanInfoWithConfidence> GnssUtils::getGnssProactiveList(
     std::vector<BleScanInfoWithConfidence> const& infos) {
-  std::vector<BleScanInfoWithConfidence> proactive;
-  if (!checkValid(infos)) {
-    return proactive;
-  }
-  for (BleScanInfoWithConfidence const& info : infos) {
-    if (isGnss(info) && info.getConfidence() >= kProactiveConfidence) {
-      proactive.push_back(info);
-    }
-  }
-  return proactive;
+  return proactiveListOf(infos);
+}
+
+std::vector<BleScanInfoWithConfidence> GnssUtils::getGnssProactiveList(RecordSubset const& infos) {
+  return proactiveListOf(infos);
 }
 
 bool GnssUtils::checkCohesion(std::vector<BleScanInfoWithConfidence> const& infos) {

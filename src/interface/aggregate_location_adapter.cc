@@ -1,8 +1,10 @@
 #include "interface/aggregate_location_adapter.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Vantis::Location {
 namespace {
@@ -16,39 +18,54 @@ std::unique_ptr<char[]> copyText(std::string const& text) {
 
 }  // namespace
 
+// Built in the order the locator would sort them into, so that no record is moved afterwards.
 std::vector<BleScanInfoWithConfidence> AggregateLocationAdapter::toScanInfos(
     const AggregateScanInfo* infos, int count) {
   std::vector<BleScanInfoWithConfidence> scanInfos;
-  if (count > 0) {
-    scanInfos.reserve(static_cast<size_t>(count));
+  if (count <= 0) {
+    return scanInfos;
   }
-  TextsByAddress texts = rankedGeoIds(infos, count);
+  std::vector<std::pair<long long, int>> byTime;
+  byTime.reserve(static_cast<size_t>(count));
   for (int i = 0; i < count; ++i) {
-    scanInfos.push_back(toScanInfo(infos[i], texts));
-    scanInfos.back().setInputIndex(i);
+    byTime.emplace_back(infos[i].timeStamp, i);
+  }
+  std::stable_sort(byTime.begin(), byTime.end(),
+                   [](auto const& a, auto const& b) { return a.first < b.first; });
+  scanInfos.reserve(static_cast<size_t>(count));
+  TextsByAddress texts = rankedGeoIds(infos, count);
+  for (auto const& [timeStamp, index] : byTime) {
+    AggregateScanInfo const& info = infos[index];
+    scanInfos.emplace_back(
+        BlueToothRecord(timeStamp, info.rssi),
+        LastLocation(info.lon, info.lat, info.acc, info.locationType, info.locationSourceType), 0,
+        0, info.confidence);
+    setIndoorInfo(info, texts, scanInfos.back().getLastLocation());
+    scanInfos.back().setInputIndex(index);
   }
   return scanInfos;
 }
 
 BleScanInfoWithConfidence AggregateLocationAdapter::toScanInfo(AggregateScanInfo const& info) {
   TextsByAddress texts;
-  return toScanInfo(info, texts);
+  BleScanInfoWithConfidence scanInfo(
+      BlueToothRecord(info.timeStamp, info.rssi),
+      LastLocation(info.lon, info.lat, info.acc, info.locationType, info.locationSourceType), 0, 0,
+      info.confidence);
+  setIndoorInfo(info, texts, scanInfo.getLastLocation());
+  return scanInfo;
 }
 
-BleScanInfoWithConfidence AggregateLocationAdapter::toScanInfo(AggregateScanInfo const& info,
-                                                               TextsByAddress& texts) {
-  BlueToothRecord record(info.timeStamp, info.rssi);
-  LastLocation location(info.lon, info.lat, info.acc, info.locationType, info.locationSourceType);
-  BleScanInfoWithConfidence scanInfo(record, location, 0, 0, info.confidence);
-  if (info.geoId != nullptr) {
-    LastLocation& indoor = scanInfo.getLastLocation();
-    indoor.setIndoorFlag(info.indoorFlag);
-    indoor.setGeoId(shared(info.geoId, texts));
-    indoor.setFloorId(info.floorId);
-    indoor.setFloorAcc(info.floorAcc);
-    indoor.setFloorInfo(shared(info.floorInfo != nullptr ? info.floorInfo : "", texts));
+void AggregateLocationAdapter::setIndoorInfo(AggregateScanInfo const& info, TextsByAddress& texts,
+                                             LastLocation& location) {
+  if (info.geoId == nullptr) {
+    return;
   }
-  return scanInfo;
+  location.setIndoorFlag(info.indoorFlag);
+  location.setGeoId(shared(info.geoId, texts));
+  location.setFloorId(info.floorId);
+  location.setFloorAcc(info.floorAcc);
+  location.setFloorInfo(shared(info.floorInfo != nullptr ? info.floorInfo : "", texts));
 }
 
 // Records are ordered and voted on by building; ranked once, long texts are not read again.
@@ -58,7 +75,7 @@ AggregateLocationAdapter::TextsByAddress AggregateLocationAdapter::rankedGeoIds(
   std::vector<char const*> addresses;
   std::vector<std::string_view> views;
   for (int i = 0; i < count; ++i) {
-    if (infos[i].geoId != nullptr && texts.emplace(infos[i].geoId, SharedText()).second) {
+    if (infos[i].geoId != nullptr && texts.try_emplace(infos[i].geoId).second) {
       addresses.push_back(infos[i].geoId);
       views.emplace_back(infos[i].geoId);
     }

@@ -14,8 +14,9 @@ namespace Vantis::Location {
 // Translates between the C records of the exported entry point and the library's classes.
 class AggregateLocationAdapter {
  public:
-  // One record per element, in array order, each knowing its index; count <= 0 gives an
-  // empty list.
+  // One record per element, in ascending scan time (elements of equal times in array order:
+  // the order the locator sorts them into), each knowing its index in the array; count <= 0
+  // gives an empty list.
   static std::vector<BleScanInfoWithConfidence> toScanInfos(const AggregateScanInfo* infos,
                                                             int count);
   // The indoor fields are taken only when geoId is set; a null floorInfo then reads as "".
@@ -32,7 +33,8 @@ class AggregateLocationAdapter {
  private:
   using TextsByAddress = std::unordered_map<char const*, SharedText>;
 
-  static BleScanInfoWithConfidence toScanInfo(AggregateScanInfo const& info, TextsByAddress& texts);
+  static void setIndoorInfo(AggregateScanInfo const& info, TextsByAddress& texts,
+                            LastLocation& location);
   static TextsByAddress rankedGeoIds(const AggregateScanInfo* infos, int count);
   static SharedText shared(char const* text, TextsByAddress& texts);
 };

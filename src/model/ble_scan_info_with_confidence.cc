@@ -1,6 +1,5 @@
 #include "model/ble_scan_info_with_confidence.h"
 
-#include <cmath>
 #include <sstream>
 #include <tuple>
 
@@ -64,21 +63,6 @@ bool BleScanInfoWithConfidence::precedesInTotalOrder(BleScanInfoWithConfidence c
   return Rest({confidence_}, {newConfidence_}, kindTransId_, arStatus_, stepCount_) <
          Rest({other.confidence_}, {other.newConfidence_}, other.kindTransId_, other.arStatus_,
               other.stepCount_);
-}
-
-unsigned BleScanInfoWithConfidence::nanFieldMask() const {
-  double const fields[] = {lastLocation_.getLat(),
-                           lastLocation_.getLon(),
-                           lastLocation_.getAcc(),
-                           lastLocation_.getSpeed(),
-                           lastLocation_.getBearing(),
-                           confidence_,
-                           newConfidence_};
-  unsigned mask = 0;
-  for (double field : fields) {
-    mask = mask << 1 | (std::isnan(field) ? 1u : 0u);
-  }
-  return mask;
 }
 
 }  // namespace Vantis::Location

@@ -63,9 +63,6 @@ class BleScanInfoWithConfidence : public DbScanClass {
   // operator< with every NaN field sorted after the numbers and equivalent to every NaN: a
   // strict weak ordering for any field values.
   bool precedesInTotalOrder(BleScanInfoWithConfidence const& other) const;
-  // One bit per floating-point ordering field that holds NaN. Records sharing a scan and a
-  // mask are ordered strictly weakly among themselves: their NaN fields are skipped alike.
-  unsigned nanFieldMask() const;
 
  private:
   auto orderKey() const {

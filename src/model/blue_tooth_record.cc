@@ -7,7 +7,7 @@ BlueToothRecord::BlueToothRecord(std::string const& name, std::string const& mac
     : name_(name), mac_(mac), timeStamp_(timeStamp), rssi_(rssi) {}
 
 BlueToothRecord::BlueToothRecord(long long timeStamp, int rssi)
-    : BlueToothRecord("", "", timeStamp, rssi) {}
+    : timeStamp_(timeStamp), rssi_(rssi) {}
 
 std::string BlueToothRecord::toString() const {
   return "BlueToothRecord{name='" + name_.get() + "', mac='" + mac_.get() +

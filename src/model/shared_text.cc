@@ -7,7 +7,14 @@
 namespace Vantis::Location {
 
 SharedText::SharedText(std::string text)
-    : body_(text.empty() ? nullptr : std::make_shared<Body const>(Body{std::move(text), {}, 0})) {}
+    : body_(text.empty() ? nullptr : new Body{std::move(text), {}, 0}) {}
+
+void SharedText::release() const {
+  // The last holder deletes; acquire-release orders every use before the deletion.
+  if (body_ != nullptr && body_->holders.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    delete body_;
+  }
+}
 
 std::vector<SharedText> SharedText::ranked(std::vector<std::string_view> const& texts) {
   std::vector<std::size_t> order(texts.size());
@@ -25,8 +32,7 @@ std::vector<SharedText> SharedText::ranked(std::vector<std::string_view> const& 
     if (i > 0 && texts[order[i - 1]] == text) {
       result[order[i]] = result[order[i - 1]];
     } else if (!text.empty()) {
-      result[order[i]] =
-          SharedText(std::make_shared<Body const>(Body{std::string(text), table, rank}));
+      result[order[i]] = SharedText(new Body{std::string(text), table, rank});
     }
   }
   return result;

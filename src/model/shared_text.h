@@ -1,6 +1,7 @@
 #ifndef CORVEX_MODEL_SHARED_TEXT_H_
 #define CORVEX_MODEL_SHARED_TEXT_H_
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -19,6 +20,13 @@ class SharedText {
  public:
   SharedText() = default;
   explicit SharedText(std::string text);
+  SharedText(SharedText const& other) noexcept : body_(other.body_) { retain(); }
+  SharedText(SharedText&& other) noexcept : body_(std::exchange(other.body_, nullptr)) {}
+  SharedText& operator=(SharedText other) noexcept {
+    std::swap(body_, other.body_);
+    return *this;
+  }
+  ~SharedText() { release(); }
 
   // One text per entry of `texts`, ranked together: equal texts get equal ranks.
   static std::vector<SharedText> ranked(std::vector<std::string_view> const& texts);
@@ -34,13 +42,21 @@ class SharedText {
   }
 
  private:
+  // Counted by the texts that hold it, so that a text is one pointer (records hold five).
   struct Body {
     std::string text;
     std::shared_ptr<void const> table;  // shared by texts ranked together, else null
     std::size_t rank = 0;               // bytewise order within the table
+    mutable std::atomic<std::size_t> holders{1};
   };
 
-  explicit SharedText(std::shared_ptr<Body const> body) : body_(std::move(body)) {}
+  explicit SharedText(Body const* body) : body_(body) {}
+  void retain() const {
+    if (body_ != nullptr) {
+      body_->holders.fetch_add(1, std::memory_order_relaxed);
+    }
+  }
+  void release() const;
   bool differentTextsLess(SharedText const& other) const;
   bool differentTextsEqual(SharedText const& other) const;
   bool rankedWith(SharedText const& other) const {
@@ -48,7 +64,7 @@ class SharedText {
            body_->table == other.body_->table;
   }
 
-  std::shared_ptr<Body const> body_;  // null for the empty text
+  Body const* body_ = nullptr;  // null for the empty text
 };
 
 }  // namespace Vantis::Location

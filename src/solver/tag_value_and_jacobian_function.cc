@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 namespace Vantis::Location {
 namespace {
@@ -25,6 +26,10 @@ TagValueAndJacobianFunction::TagValueAndJacobianFunction(
     ys_.push_back(coordinate(anchor, 1));
   }
 }
+
+TagValueAndJacobianFunction::TagValueAndJacobianFunction(std::vector<double> xs,
+                                                         std::vector<double> ys)
+    : xs_(std::move(xs)), ys_(std::move(ys)) {}
 
 ValueAndJacobian TagValueAndJacobianFunction::calculate(std::vector<double> const& point) const {
   ValueAndJacobian result;

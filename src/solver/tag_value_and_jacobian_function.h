@@ -14,6 +14,8 @@ class TagValueAndJacobianFunction : public ValueAndJacobianFunction {
  public:
   // One anchor per row, planar coordinates (metres) in elements 0 and 1.
   explicit TagValueAndJacobianFunction(std::vector<std::vector<double>> const& anchors);
+  // Anchor i at {xs[i], ys[i]} (metres); xs and ys have equal lengths.
+  TagValueAndJacobianFunction(std::vector<double> xs, std::vector<double> ys);
 
   // Distances (metres) to every anchor and their gradients with respect to the point.
   ValueAndJacobian calculate(std::vector<double> const& point) const override;

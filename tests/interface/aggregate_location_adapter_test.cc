@@ -47,14 +47,16 @@ TEST(AggregateLocationAdapter, IndoorFieldsNeedABuildingIdentifier) {
   EXPECT_EQ(indoorFields("", "F1"), "/F1/1/3/2");
 }
 
-TEST(AggregateLocationAdapter, ReadsExactlyCountRecordsInArrayOrder) {
-  AggregateScanInfo infos[3] = {indoorInfo("", ""), indoorInfo("", ""), indoorInfo("", "")};
-  infos[0].timeStamp = 30;
-  infos[1].timeStamp = 10;
-  auto const scans = AggregateLocationAdapter::toScanInfos(infos, 2);
-  ASSERT_EQ(scans.size(), 2u);
-  EXPECT_EQ(scans[0].getBlueToothRecordConst().getTimeStamp(), 30);
-  EXPECT_EQ(scans[1].getBlueToothRecordConst().getTimeStamp(), 10);
+TEST(AggregateLocationAdapter, ReadsExactlyCountRecordsInScanTimeOrder) {
+  AggregateScanInfo infos[4] = {indoorInfo("", ""), indoorInfo("", ""), indoorInfo("", ""),
+                                indoorInfo("", "")};
+  long long const times[] = {30, 10, 30, 5};
+  for (int i = 0; i < 4; ++i) infos[i].timeStamp = times[i];
+  auto const scans = AggregateLocationAdapter::toScanInfos(infos, 3);
+  ASSERT_EQ(scans.size(), 3u);
+  EXPECT_EQ(scans[0].getInputIndex(), 1);
+  EXPECT_EQ(scans[1].getInputIndex(), 0);  // equal times keep the array order
+  EXPECT_EQ(scans[2].getInputIndex(), 2);
   EXPECT_TRUE(AggregateLocationAdapter::toScanInfos(infos, 0).empty());
   EXPECT_TRUE(AggregateLocationAdapter::toScanInfos(infos, -5).empty());
 }
