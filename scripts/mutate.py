@@ -178,14 +178,19 @@ def folder_of(rel):
 
 
 def quotas(counts, total):
-    """Per-folder mutant counts: a floor for every folder, the rest in proportion to sites."""
+    """Per-folder mutant counts: a floor for every folder, the rest in proportion to sites. A
+    folder with fewer sites than its share gets them all and the others share the rest."""
+    small = {f: c for f, c in counts.items() if c * len(counts) * 3 <= total}
+    share = dict(small)
+    counts = {f: c for f, c in counts.items() if f not in small}
+    total -= sum(small.values())
     floor = min(total // len(counts), max(1, total // (3 * len(counts))))
     rest = total - floor * len(counts)
     sites = sum(counts.values())
     exact = {f: rest * c / sites for f, c in counts.items()}
-    share = {f: floor + int(v) for f, v in exact.items()}
+    share.update({f: floor + int(v) for f, v in exact.items()})
     by_remainder = sorted(counts, key=lambda f: (-(exact[f] - int(exact[f])), f))
-    for f in by_remainder[:total - sum(share.values())]:
+    for f in by_remainder[:total - sum(share[f] for f in counts)]:
         share[f] += 1
     return share
 
