@@ -16,62 +16,18 @@
 #include <cstring>
 #include <fstream>
 #include <set>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "support/aggregate_call.h"
 #include "support/log_capture.h"
+#include "support/whole_call_tags.h"
 
 namespace corvex_test {
 namespace {
 
-std::string const kFolder = CORVEX_SOURCE_DIR "/tests/interface/";
-
-struct Tag {
-  std::string name;
-  std::vector<AggregateScanInfo> infos;
-};
-
-// Holds the records' texts at fixed addresses for the whole run.
-char const* stored(std::string const& text) {
-  static std::set<std::string> texts;
-  return texts.insert(text).first->c_str();
-}
-
-// The rows of a tag follow each other; an empty building means no indoor information.
-std::vector<Tag> readTags() {
-  std::ifstream in(kFolder + "whole_calls.csv");
-  std::vector<Tag> tags;
-  std::string line;
-  std::getline(in, line);  // the header
-  while (std::getline(in, line)) {
-    std::vector<std::string> f;
-    std::istringstream cells(line);
-    for (std::string cell; std::getline(cells, cell, ',');) f.push_back(cell);
-    f.resize(14);
-    if (tags.empty() || tags.back().name != f[0]) tags.push_back({f[0], {}});
-    AggregateScanInfo info{};
-    info.timeStamp = std::stoll(f[1]);
-    info.rssi = std::stoi(f[2]);
-    info.confidence = std::strtod(f[3].c_str(), nullptr);
-    info.lon = std::strtod(f[4].c_str(), nullptr);
-    info.lat = std::strtod(f[5].c_str(), nullptr);
-    info.acc = std::strtof(f[6].c_str(), nullptr);
-    info.locationType = std::stoi(f[7]);
-    info.locationSourceType = std::stoi(f[8]);
-    if (!f[13].empty()) {
-      info.indoorFlag = std::stoi(f[9]);
-      info.floorId = std::stoi(f[10]);
-      info.floorAcc = std::stoi(f[11]);
-      info.floorInfo = stored(f[12]);
-      info.geoId = stored(f[13]);
-    }
-    tags.back().infos.push_back(info);
-  }
-  return tags;
-}
+std::string const kRecord = CORVEX_SOURCE_DIR "/tests/interface/whole_calls.expected";
 
 // One call as text: the result's fields (doubles with 17 digits, so that equal text means
 // equal bits), the trace log and the log lines with their level letters.
@@ -95,7 +51,7 @@ std::string locate(Tag const& tag) {
 }
 
 std::vector<std::string> recorded() {
-  std::ifstream in(kFolder + "whole_calls.expected");
+  std::ifstream in(kRecord);
   std::vector<std::string> calls;
   for (std::string line; std::getline(in, line);) {
     if (line.rfind("== ", 0) == 0) calls.emplace_back();
@@ -113,7 +69,7 @@ void expectRecorded(std::vector<std::string> const& answers) {
 }
 
 TEST(WholeCalls, AnswersAndLogLinesAreAsRecorded) {
-  std::vector<Tag> const tags = readTags();
+  std::vector<Tag> const tags = wholeCallTags();
   std::vector<std::string> answers;
   for (Tag const& tag : tags) {
     std::vector<AggregateScanInfo> const given = tag.infos;
@@ -122,7 +78,7 @@ TEST(WholeCalls, AnswersAndLogLinesAreAsRecorded) {
     ASSERT_EQ(std::memcmp(given.data(), tag.infos.data(), given.size() * sizeof given[0]), 0);
   }
   if (std::getenv("CORVEX_UPDATE_WHOLE_CALLS") != nullptr) {
-    std::ofstream out(kFolder + "whole_calls.expected");
+    std::ofstream out(kRecord);
     for (std::string const& answer : answers) out << answer;
     return;
   }
@@ -133,7 +89,7 @@ TEST(WholeCalls, AnswersAndLogLinesAreAsRecorded) {
 // Calls share no state: threads that run every call, each starting elsewhere so that
 // different calls overlap, give the recorded answers and lines.
 TEST(WholeCalls, ConcurrentCallsAnswerAsSequentialOnes) {
-  std::vector<Tag> const tags = readTags();
+  std::vector<Tag> const tags = wholeCallTags();
   constexpr size_t kThreads = 3;
   std::vector<std::vector<std::string>> answers(kThreads, std::vector<std::string>(tags.size()));
   std::vector<std::thread> threads;
@@ -153,7 +109,7 @@ TEST(WholeCalls, ConcurrentCallsAnswerAsSequentialOnes) {
 // so the order the caller gives them in cannot matter.
 TEST(WholeCalls, RecordOrderDoesNotMatterWhenTimesAndConfidencesDiffer) {
   int checked = 0;
-  for (Tag tag : readTags()) {
+  for (Tag tag : wholeCallTags()) {
     std::set<long long> times;
     std::set<double> confidences;
     for (AggregateScanInfo const& info : tag.infos) {

@@ -4,13 +4,10 @@
 
 #include <cmath>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "solver/function_model.h"
 #include "solver/tag_value_and_jacobian_function.h"
-#include "support/log_capture.h"
-#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -40,21 +37,6 @@ TEST(LSProblem, EvaluatesRangesAgainstTargetsWithWeights) {
   EXPECT_EQ(estimation.getPoint(), (Vector{0.0, 0.0}));
   EXPECT_EQ(estimation.getResiduals(), (Vector{2.0 * 2.0, 3.0 * -3.0}));
   EXPECT_EQ(estimation.getJacobian(), (Matrix{{-2.0, 0.0}, {0.0, -3.0}}));
-}
-
-TEST(LSProblem, MissingModelIsReportedAndEvaluatesToNothing) {
-  corvex_test::LogCapture capture;
-  Estimation const estimation =
-      corvex_test::problemWith(nullptr, {1.0, 2.0}, {0.0, 0.0}).evaluate({0.0, 0.0});
-  EXPECT_TRUE(estimation.getPoint().empty());
-  EXPECT_TRUE(estimation.getResiduals().empty());
-  EXPECT_TRUE(estimation.getJacobian().empty());
-  EXPECT_EQ(estimation.getCost(), 0.0);
-  EXPECT_TRUE(std::isnan(estimation.getRMS()));
-  EXPECT_EQ(corvex_test::tagged(capture),
-            (std::vector<std::string>{"E:LocalLeastSquaresProblem input error",
-                                      "E:LocalLeastSquaresProblem model == NULL",
-                                      "E:checkVectorDimensions 0,0"}));
 }
 
 }  // namespace
