@@ -58,36 +58,6 @@ TEST(KmeansPositionCalculator, ConfidenceCutKeepsSmallListsTheNewest100AndTheTwo
   }
 }
 
-TEST(KmeansPositionCalculator, PreprocessingKeepsTheThreeNewestAccurateThenTheMostConfident) {
-  float const accs[] = {10, 100.5f, 100.0f, 50, 200, 20, 30};
-  Infos inaccurate;
-  for (int i = 0; i < 7; ++i) inaccurate.push_back(makeInfo(7 - i, 1, 1, 0.1, accs[i]));
-  EXPECT_EQ(timesOf(KmeansPositionCalculator::preprocessOfflineLocation(inaccurate)),
-            (Times{7, 5, 4, 2, 1}));
-  // 28 records: the three newest (confidence 0), then 25 whose oldest `confident` have 0.8 and
-  // the others 0.5, so that the confidence order differs from the time order. The 20 most
-  // confident follow, then more only while they reach 0.8.
-  struct Case {
-    int confident;
-    Times tail;  // after 1000, 999, 998
-  } const cases[] = {
-      {21, {993, 992, 991, 990, 989, 988, 987, 986, 985, 984, 983,
-            982, 981, 980, 979, 978, 977, 976, 975, 974, 973}},
-      // The two newest at 0.5 fill the 20.
-      {18, {990, 989, 988, 987, 986, 985, 984, 983, 982, 981,
-            980, 979, 978, 977, 976, 975, 974, 973, 997, 996}},
-  };
-  for (Case const& c : cases) {
-    Infos const infos = timeOrdered(28, [&c](int i) {
-      return i < 3 ? 0.0 : i >= 28 - c.confident ? 0.8 : 0.5;
-    });
-    Times expected = {1000, 999, 998};
-    expected.insert(expected.end(), c.tail.begin(), c.tail.end());
-    EXPECT_EQ(timesOf(KmeansPositionCalculator::preprocessOfflineLocation(infos)), expected)
-        << c.confident;
-  }
-}
-
 // Each refusal, and each way of falling back to the newest phone position (its place and scan
 // time, no time stamp, no accuracy), told by the code and the last line logged.
 TEST(KmeansPositionCalculator, RefusesOrFallsBackToTheNewestPhonePosition) {

@@ -112,30 +112,6 @@ TEST(BleScanInfoFilters, PipelineIndoorsCutsAtSixHoursCountsSixStagesAndSortsByT
   EXPECT_EQ(infoCount, (std::vector<int>{6, 4, 4, 4, 4, 4}));
 }
 
-TEST(BleScanInfoFilters, PipelineKeepsHalfButAtLeastFifteenByConfidenceAndTenByDistance) {
-  struct Case {
-    int records;
-    bool outdoor;
-    std::vector<int> lastCounts;
-  } const cases[] = {{40, false, {20, 20, 20}},
-                     {20, false, {15, 15, 15}},
-                     {10, false, {10, 10, 10}},
-                     {30, true, {30, 30, 15}},
-                     {12, true, {12, 12, 10}}};
-  for (Case const& c : cases) {
-    // A row 7 m apart: one cluster, but far too spread out. Indoors the confidence is low.
-    Records infos;
-    for (int i = 0; i < c.records; ++i) {
-      infos.push_back(makeRecord(7.0 * i, 0, 1000 + i, c.outdoor ? 1 : 0, c.outdoor ? 0.7 : 0.5));
-    }
-    std::vector<int> infoCount;
-    LogCapture quiet;
-    Filters::filter(infos, infoCount);
-    ASSERT_EQ(infoCount.size(), c.outdoor ? 8u : 6u);
-    EXPECT_EQ(std::vector<int>(infoCount.end() - 3, infoCount.end()), c.lastCounts) << c.records;
-  }
-}
-
 TEST(BleScanInfoFilters, PipelineRefusesEmptyInputAndSurvivesExtremeTimes) {
   std::vector<int> infoCount;
   LogCapture capture;

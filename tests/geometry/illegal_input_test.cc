@@ -1,6 +1,6 @@
 // The geometry helpers answer illegal input (no records, points of the wrong dimension,
-// coordinates or signals out of range, a reference that is no position) with a neutral value
-// and one error line each, and leave records and results alone.
+// coordinates or signals outside their closed ranges, a reference that is no position) with a
+// neutral value and one error line each, and leave records and results alone.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -24,6 +24,15 @@ using Strings = std::vector<std::string>;
 TEST(GeometryHelpers, AnswerIllegalInputWithANeutralValueAndOneErrorLine) {
   corvex_test::Records const none;
   corvex_test::LogCapture capture;
+  // The edges of the closed ranges are legal.
+  EXPECT_TRUE(GnssDistanceMeasure::isValid({180.0, 90.0}));
+  EXPECT_TRUE(GnssDistanceMeasure::isValid({-180.0, -90.0}));
+  EXPECT_NEAR(GnssDistanceMeasure::compute({0, 0}, {0, 1}), 111194.93, 0.01);  // 6371 km sphere
+  EXPECT_NEAR(SimpleRssiToDistanceConverter::convert(-128.0), 124.26, 0.005);
+  EXPECT_NEAR(SimpleRssiToDistanceConverter::convert(0.0), 0.00184, 0.000005);
+  EXPECT_EQ(SimpleRssiToDistanceConverter::convert(-72.5), 1.0);
+  EXPECT_EQ(SimpleRssiToDistanceConverter::convert(-99.0), 10.0);
+  EXPECT_TRUE(capture.lines().empty());
   EXPECT_EQ(DistanceUtils::distSquare(corvex_test::makeRecord(1, 2), Point2{4, 6, 8}), 0);
   EXPECT_EQ(DistanceUtils::distSquare(Point2{1}, Point2{4, 6}), 0);
   EXPECT_EQ(DistanceUtils::sumOfNewConfidence(none), 0);

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
-#include <chrono>
 #include <climits>
 #include <cstdint>
 #include <cstdio>
@@ -179,14 +178,7 @@ TEST(GetAggregateLocation, AnswersGarbageWithAKnownCode) {
     inputs.push_back(uniform(count, -1e9, -10.0f, INT_MIN, LLONG_MIN));
     inputs.push_back(uniform(count, 0.0, 0.0f, 0, 0));
   }
-  Input sideBySide;  // the extreme time stamps next to each other
-  for (long long time : {LLONG_MIN, LLONG_MAX, 0LL, LLONG_MIN + 1, LLONG_MAX - 1, -1LL}) {
-    sideBySide.push_back(outdoorScan(time, -60, sideBySide.size() * 1e-5, 0));
-  }
-  inputs.push_back(sideBySide);
-
   LogCapture capture;  // keeps the many error lines out of the test output
-  auto const start = std::chrono::steady_clock::now();
   for (std::size_t i = 0; i < inputs.size(); ++i) {
     AggregateCall const call = callGetAggregateLocation(inputs[i]);
     EXPECT_EQ(knownCodes.count(call.code), 1u) << "input " << i << ": " << call.code;
@@ -194,7 +186,6 @@ TEST(GetAggregateLocation, AnswersGarbageWithAKnownCode) {
     EXPECT_EQ(call.code, call.traceErrorCode()) << "input " << i << ": " << call.traceLog;
     capture.take();
   }
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(120));
 }
 
 }  // namespace

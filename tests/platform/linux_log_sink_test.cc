@@ -6,7 +6,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
+#include <cstring>
+#include <functional>
 #include <set>
 #include <string>
 #include <thread>
@@ -65,58 +66,44 @@ TEST(LinuxLogSink, CreatesTheLogFileWithMode0644OrTellsWhyNot) {
   umask(mask);
 }
 
-class TempFile {
- public:
-  TempFile() {
-    char name[] = "/tmp/corvex_log_XXXXXX";
-    fd_ = mkstemp(name);
-    path_ = name;
+// The lines a sink keeping minLevel and up writes while `use` runs.
+std::vector<std::string> written(int minLevel, std::function<void(LinuxLogSink&)> const& use) {
+  FILE* file = std::tmpfile();
+  LinuxLogSink sink(minLevel, fileno(file));
+  use(sink);
+  std::rewind(file);
+  std::vector<std::string> lines;
+  for (char line[1024]; std::fgets(line, sizeof line, file) != nullptr;) {
+    lines.emplace_back(line, std::strcspn(line, "\n"));
   }
-  ~TempFile() {
-    close(fd_);
-    std::remove(path_.c_str());
-  }
-  int fd() const { return fd_; }
-  std::vector<std::string> lines() const {
-    std::ifstream in(path_);
-    std::vector<std::string> out;
-    for (std::string line; std::getline(in, line);) {
-      out.push_back(line);
-    }
-    return out;
-  }
-
- private:
-  int fd_;
-  std::string path_;
-};
+  std::fclose(file);
+  return lines;
+}
 
 TEST(LinuxLogSink, DropsLinesBelowItsLevel) {
-  TempFile file;
-  LinuxLogSink sink(kPlatformLogWarn, file.fd());
-  sink.write(kPlatformLogInfo, 0xD002300, "Mirelth", "dropped\n");
-  sink.write(kPlatformLogError, 0xD002300, "Mirelth", "kept 100%\n");
-  EXPECT_EQ(file.lines(), std::vector<std::string>{"E 0xD002300/Mirelth: kept 100%"});
+  EXPECT_EQ(written(kPlatformLogWarn,
+                    [](LinuxLogSink& sink) {
+                      sink.write(kPlatformLogInfo, 0xD002300, "Mirelth", "dropped\n");
+                      sink.write(kPlatformLogError, 0xD002300, "Mirelth", "kept 100%\n");
+                    }),
+            std::vector<std::string>{"E 0xD002300/Mirelth: kept 100%"});
 }
 
 TEST(LinuxLogSink, ConcurrentLinesNeverInterleave) {
-  TempFile file;
-  LinuxLogSink sink(kPlatformLogDebug, file.fd());
   constexpr int kThreads = 8;
   constexpr int kLinesPerThread = 200;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&sink, t] {
-      std::string text(300, static_cast<char>('a' + t));
-      for (int i = 0; i < kLinesPerThread; ++i) {
-        sink.write(kPlatformLogInfo, 0xD002300, "Mirelth", text);
-      }
-    });
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
-  std::vector<std::string> lines = file.lines();
+  std::vector<std::string> const lines = written(kPlatformLogDebug, [](LinuxLogSink& sink) {
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+      threads.emplace_back([&sink, t] {
+        std::string const text(300, static_cast<char>('a' + t));
+        for (int i = 0; i < kLinesPerThread; ++i) {
+          sink.write(kPlatformLogInfo, 0xD002300, "Mirelth", text);
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+  });
   ASSERT_EQ(lines.size(), static_cast<size_t>(kThreads * kLinesPerThread));
   for (std::string const& line : lines) {
     std::string body = line.substr(std::string("I 0xD002300/Mirelth: ").size());
