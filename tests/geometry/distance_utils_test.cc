@@ -32,6 +32,8 @@ TEST(DistanceUtils, SquaredDistancesCentroidsAndRootMeanSquareSpread) {
   // Weights summing below 0.0001 give the origin, silently.
   EXPECT_EQ(DistanceUtils::meanPointWeight({makeInfo(5, 5, 0.0), makeInfo(7, 7, 0.00009)}),
             (std::vector<double>{0, 0}));
+  EXPECT_EQ(DistanceUtils::meanPointWeight({makeInfo(5, 5, 0.0), makeInfo(7, 7, 0x1p-13)}),
+            (std::vector<double>{7, 7}));
   EXPECT_TRUE(capture.lines().empty());
 }
 

@@ -69,6 +69,12 @@ TEST(LocateWithTrace, ObserverChangesNoOutputAndItsFatesAddUpToTheStageCounts) {
     LocateTrace const& trace = traced.trace;
     std::vector<int> const counts = infoCountOf(plain.traceLog);
     ASSERT_EQ(trace.fates.size(), infos.size());
+    // The local plane's origin is the oldest record, the first of equal times.
+    AggregateScanInfo const& oldest = *std::min_element(
+        infos.begin(), infos.end(), [](auto& a, auto& b) { return a.timeStamp < b.timeStamp; });
+    EXPECT_TRUE(trace.hasReference);
+    EXPECT_EQ(std::memcmp(&trace.referenceLon, &oldest.lon, sizeof(double)), 0) << tag.name;
+    EXPECT_EQ(std::memcmp(&trace.referenceLat, &oldest.lat, sizeof(double)), 0) << tag.name;
     // Slot s counts the records left after stage s, so stage s removed slot s-1 minus slot s.
     for (std::size_t slot = 1; slot < counts.size(); ++slot) {
       EXPECT_EQ(std::count(trace.fates.begin(), trace.fates.end(), static_cast<Fate>(slot)),
