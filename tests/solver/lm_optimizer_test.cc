@@ -73,41 +73,6 @@ TEST(LMOptimizer, LimitsStopWithTheLastEvaluation) {
   }
 }
 
-TEST(LMOptimizer, TooSmallTolerancesNameTheToleranceThatStopped) {
-  // Negative tolerances are never met, so the too-small tests decide; their values tell the
-  // lines apart.
-  LMOptimizer const unreachable(100.0, -1.0, -2.0, -3.0, LMOptimizer::kSafeMin);
-  LMOptimizer const tiny(100.0, 1e-20, 1e-20, 1e-20, LMOptimizer::kSafeMin);
-  auto const line = std::make_shared<FunctionModel>([](Vector const& b) {  // b[0] + b[1] x
-    Vector value;
-    Matrix jacobian;
-    for (double x : {0.0, 1.0, 2.0, 3.0}) {
-      value.push_back(b[0] + b[1] * x);
-      jacobian.push_back({1.0, x});
-    }
-    return ValueAndJacobian(value, jacobian);
-  });
-  auto const ranges = std::make_shared<Ranges>(kAnchors);
-  struct Case {
-    LMOptimizer optimizer;
-    std::shared_ptr<ValueAndJacobianFunction> model;
-    Vector target, start;
-    char const* line;
-  } const cases[] = {
-      // A straight line reaches its minimum in one step; the next predicts no reduction.
-      {unreachable, line, {0.1, 2.0, 1.0, 5.0}, {3.0, -1.0}, "E:optimize -1.000000"},
-      // The range fit ends with the step bound shrunk below the point's precision.
-      {unreachable, ranges, {52.0, 79.0, 65.0}, {10.0, 90.0}, "E:optimize -2.000000"},
-      {tiny, ranges, {52.0, 79.0, 65.0}, {10.0, 90.0}, "E:optimize 0.000000"},
-  };
-  for (Case const& c : cases) {
-    LSProblem problem = problemWith(c.model, c.target, c.start);
-    LogCapture capture;
-    c.optimizer.optimize(problem);
-    EXPECT_EQ(tagged(capture), Lines{c.line});
-  }
-}
-
 TEST(LMOptimizer, BadProblemsStopInTheFirstIterationWithAnErrorLine) {
   auto const ranges = std::make_shared<Ranges>(kAnchors);
   auto const noAnchors = std::make_shared<Ranges>(Matrix{});
@@ -142,82 +107,6 @@ TEST(LMOptimizer, BadProblemsStopInTheFirstIterationWithAnErrorLine) {
     EXPECT_EQ(tagged(capture), c.lines);
     EXPECT_EQ(result.getPoint(), c.model == nullptr ? Vector{} : c.start);
   }
-}
-
-// --- Factorisation and step kernels. ---
-
-// Element-wise equality within 1e-12.
-void expectNear(Vector const& actual, Vector const& expected) {
-  ASSERT_EQ(actual.size(), expected.size());
-  for (size_t i = 0; i < actual.size(); ++i) {
-    if (actual[i] != expected[i]) {
-      EXPECT_NEAR(actual[i], expected[i], 1e-12) << i;
-    }
-  }
-}
-
-// The factorisation of a Jacobian with unit weights.
-LMOptimizer::DataSet factorisation(Matrix const& jacobian, int solvedCols) {
-  Vector const zeros(jacobian.size(), 0.0);
-  LMOptimizer::DataSet dataSet;
-  LMOptimizer().qrDecomposition(Estimation(zeros, jacobian, zeros, {}, Vector(zeros.size(), 1.0)),
-                                solvedCols, dataSet);
-  return dataSet;
-}
-
-TEST(LMOptimizer, QrPivotsOnTheLargerColumnAndSignsTheDiagonalAgainstThePivot) {
-  double const inf = std::numeric_limits<double>::infinity();
-  double const root2 = std::sqrt(2.0);
-  double const root5 = std::sqrt(5.0);
-  Matrix const infinite = {{1.0, inf}, {2.0, 0.0}, {2.0, 1.0}};
-  struct Case {
-    Matrix jacobian;  // negated by the factorisation
-    int solvedCols, rank;
-    std::vector<int> permutation;  // ties keep their order
-    Vector rDiagonal, columnNorms;
-    char const* error;  // the line logged, if any
-  } const cases[] = {
-      {{{1.0, 0.0}, {0.0, 1.0}}, 2, 2, {0, 1}, {1.0, 1.0}, {1.0, 1.0}, ""},
-      {{{0.0, 1.0}, {1.0, 0.0}}, 2, 2, {0, 1}, {1.0, -1.0}, {1.0, 1.0}, ""},
-      {{{1.0, 2.0}, {0.0, 1.0}}, 2, 2, {1, 0}, {-1.0 / root5, root5}, {1.0, root5}, ""},
-      {{{1.0, 0.0, 3.0}, {1.0, 2.0, 0.0}}, 2, 2, {2, 1, 0}, {0.0, 2.0, 3.0}, {root2, 2.0, 3.0}, ""},
-      {{{-3.0}, {-4.0}}, 1, 1, {0}, {-5.0}, {5.0}, ""},
-      {{{3.0}, {4.0}}, 1, 1, {0}, {5.0}, {5.0}, ""},
-      {{{0.0}, {5.0}}, 1, 1, {0}, {5.0}, {5.0}, ""},
-      {{{0.6, 0.8}}, 1, 1, {1, 0}, {0.0, 0.8}, {0.6, 0.8}, ""},  // fewer rows than columns
-      {{{0.0, 0.0}, {0.0, 0.0}}, 2, 0, {0, 1}, {0.0, 0.0}, {0.0, 0.0}, ""},
-      {infinite, 2, 0, {0, 1}, {0.0, 0.0}, {3.0, inf}, "E:optimize 3, 2"},
-  };
-  for (size_t i = 0; i < std::size(cases); ++i) {
-    SCOPED_TRACE(i);
-    Case const& c = cases[i];
-    LogCapture capture;
-    LMOptimizer::DataSet const qr = factorisation(c.jacobian, c.solvedCols);
-    EXPECT_EQ(qr.permutation, c.permutation);
-    EXPECT_EQ(qr.rank, c.rank);
-    expectNear(qr.rDiagonal, c.rDiagonal);
-    expectNear(qr.columnNorms, c.columnNorms);
-    EXPECT_EQ(tagged(capture), *c.error ? Lines{c.error} : Lines{});
-  }
-  EXPECT_EQ(factorisation({{0.6, 0.8}}, 1).householderScales[0], 0.0);
-}
-
-TEST(LMOptimizer, NormHelpersScaleByColumn) {
-  LMOptimizer const optimizer;
-  Vector scale(3), work(2);
-  EXPECT_EQ(optimizer.getFirstXNorm(3, scale, {3.0, 4.0, 12.0}, {1.0, 0.0, 1.0}), 13.0);
-  EXPECT_EQ(scale, (Vector{1.0, 1.0, 1.0}));
-  EXPECT_EQ(optimizer.getFirstXNorm(0, scale, {}, {}), 0.0);
-  EXPECT_EQ(optimizer.getDxNorm({2.0, 3.0}, 2, work, {2.0, 1.0}, {1, 0}), 5.0);
-  EXPECT_EQ(work, (Vector{4.0, 3.0}));
-  // Column 1 has norm 0 and is skipped; column 0: |2 * 1 + 1 * 3| / (5 * 2).
-  LMOptimizer::DataSet qr;
-  qr.reset(2, 2);
-  qr.factors = {2.0, 1.0, 9.0, 9.0};  // rows (2, 9) and (1, 9)
-  qr.permutation = {1, 0};
-  qr.columnNorms = {5.0, 0.0};
-  EXPECT_DOUBLE_EQ(optimizer.getMaxCosine(2, {1.0, 3.0}, 2.0, qr), 0.5);
-  EXPECT_EQ(optimizer.getMaxCosine(0, {}, 2.0, qr), 0.0);
 }
 
 // Pins the whole iteration path, not only the end points: a changed comparison or constant in
