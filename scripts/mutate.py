@@ -178,14 +178,19 @@ def folder_of(rel):
 
 
 def quotas(counts, total):
-    """Per-folder mutant counts: a floor for every folder, the rest in proportion to sites."""
+    """Per-folder mutant counts: a floor for every folder, the rest in proportion to sites. A
+    folder with fewer sites than its share gets them all and the others share the rest."""
+    small = {f: c for f, c in counts.items() if c * len(counts) * 3 <= total}
+    share = dict(small)
+    counts = {f: c for f, c in counts.items() if f not in small}
+    total -= sum(small.values())
     floor = min(total // len(counts), max(1, total // (3 * len(counts))))
     rest = total - floor * len(counts)
     sites = sum(counts.values())
     exact = {f: rest * c / sites for f, c in counts.items()}
-    share = {f: floor + int(v) for f, v in exact.items()}
+    share.update({f: floor + int(v) for f, v in exact.items()})
     by_remainder = sorted(counts, key=lambda f: (-(exact[f] - int(exact[f])), f))
-    for f in by_remainder[:total - sum(share.values())]:
+    for f in by_remainder[:total - sum(share[f] for f in counts)]:
         share[f] += 1
     return share
 
@@ -210,6 +215,7 @@ class Runner:
     def __init__(self, tree, build, args):
         self.tree, self.build, self.jobs = tree, build, args.jobs
         self.test_timeout, self.tests, self.targets = args.test_timeout, args.tests, args.targets
+        self.skip = args.skip
         self.files = {}  # gtest name -> test source, learnt from the unmutated run
 
     def configure(self):
@@ -221,7 +227,8 @@ class Runner:
                                  check=True, capture_output=True, text=True).stdout
         self.gtest_binaries, self.plain_tests = {}, []
         for test in json.loads(listing)["tests"]:
-            if not re.search(self.tests, test["name"]):
+            if not re.search(self.tests, test["name"]) or (self.skip and
+                                                           re.search(self.skip, test["name"])):
                 continue
             command = test["command"]
             props = {p["name"]: p["value"] for p in test.get("properties", [])}
@@ -229,7 +236,9 @@ class Runner:
             if any(a.startswith("--gtest_filter=") for a in command):
                 self.gtest_binaries[command[0]] = cwd
             else:
-                self.plain_tests.append((test["name"], command, cwd))
+                env = dict(os.environ,
+                           **dict(v.split("=", 1) for v in props.get("ENVIRONMENT", [])))
+                self.plain_tests.append((test["name"], command, cwd, env))
                 scripts = [a for a in command if a.startswith(f"{self.tree}/tests/")]
                 self.files[test["name"]] = scripts[0][len(f"{self.tree}/"):] if scripts else "ctest"
 
@@ -253,7 +262,8 @@ class Runner:
         log.unlink(missing_ok=True)
         try:
             run(["ctest", "--test-dir", self.build, "-j", str(self.jobs), "--timeout",
-                 str(self.test_timeout), *(["-R", self.tests] if self.tests else [])],
+                 str(self.test_timeout), *(["-R", self.tests] if self.tests else []),
+                 *(["-E", self.skip] if self.skip else [])],
                 10 * self.test_timeout,
                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         except subprocess.TimeoutExpired:
@@ -283,9 +293,9 @@ class Runner:
                         failing.append(f"{self.files[name]}::{name}")
             if done.returncode and not failing:
                 failing.append(f"{Path(binary).name}::exit{done.returncode}")
-        for name, command, cwd in self.plain_tests:
+        for name, command, cwd, env in self.plain_tests:
             try:
-                done = run(command, self.test_timeout, cwd=cwd, stdout=subprocess.DEVNULL,
+                done = run(command, self.test_timeout, cwd=cwd, env=env, stdout=subprocess.DEVNULL,
                            stderr=subprocess.DEVNULL)
             except subprocess.TimeoutExpired:
                 return None
@@ -370,6 +380,7 @@ def main():
     parser.add_argument("--test-timeout", type=int, default=60, help="per test program (s)")
     parser.add_argument("--tests", default="",
                         help="regex on ctest names: run only those tests (gtest programs whole)")
+    parser.add_argument("--skip", default="", help="regex on ctest names: do not run those tests")
     parser.add_argument("--targets", nargs="*", default=[],
                         help="build only these targets per mutant (default: all)")
     parser.add_argument("--list", action="store_true", help="print the drawn order and stop")

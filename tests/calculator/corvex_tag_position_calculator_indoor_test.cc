@@ -100,6 +100,10 @@ TEST(CorvexTagPositionCalculator, IndoorCandidatesMustPassEveryTest) {
   EXPECT_FALSE(votes(indoor("B1", 3, 10, -85, 0.79)));
   EXPECT_TRUE(votes(indoor("B1", 3, 10, -85, 0.8, 0.0008)));  // about 89 m away
   EXPECT_FALSE(votes(indoor("B1", 3, 10, -85, 0.8, 0.001)));  // about 111 m away
+  BleScanInfoWithConfidence edge = indoor("B1", 3, 10);
+  edge.getLastLocation().setLon(116.39712802784275);  // exactly 100 m away (found by search)
+  edge.getLastLocation().setLat(39.917426321605667);
+  EXPECT_FALSE(votes(edge));
   EXPECT_TRUE(votes(indoor("B1", 3, 10, -85, 0.8, 0, 7199999)));
   EXPECT_FALSE(votes(indoor("B1", 3, 10, -85, 0.8, 0, 7200000)));
   EXPECT_FALSE(votes(indoor("B1", 3, 10, -85, 0.8, 0, -7200000)));

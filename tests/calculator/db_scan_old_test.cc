@@ -7,12 +7,10 @@
 #include <vector>
 
 #include "support/log_capture.h"
-#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
 
-using corvex_test::tagged;
 using Ids = std::vector<int>;
 using Lines = std::vector<std::string>;
 
@@ -36,30 +34,27 @@ TEST(DBScanOld, NeighboursMustBeCloserThanEpsInWholeMetres) {
     ASSERT_EQ(points[0].getDistanceGNSS(points[1]), c.metres);
     EXPECT_EQ(idsOf(DBScanOld::getFilteredPointList(points, 100.0, 3)), c.kept) << c.latOffset;
   }
+  // A point with minPts neighbours, itself included, is a key point.
+  std::vector<Point> three = {Point(0, 0, 0), Point(0, 0.0001, 1), Point(0.0001, 0, 2)};
+  for (int minPts : {3, 4}) {
+    Point centre = three[0];
+    DBScanOld::getKeyPoint(three, centre, 100.0, minPts);
+    EXPECT_EQ(centre.isKey(), minPts == 3);
+  }
 }
 
-TEST(DBScanOld, NeighbourhoodsSharingAPointMergeWithThatPointOnce) {
+TEST(DBScanOld, GroupsSharingAPointMergeAndTheEarliestLargestWins) {
   // 0 and 2 are 133 m apart; 1 lies 67 m from each.
   std::vector<Point> points = {Point(0, 0, 0), Point(0, 0.0012, 2), Point(0, 0.0006, 1)};
-  corvex_test::LogCapture capture;
   std::vector<std::vector<Point>> groups = DBScanOld::applyDbScanInner(points, 100.0, 3);
   ASSERT_EQ(groups.size(), 2u);
-  EXPECT_EQ(idsOf(groups[0]), (Ids{0, 1, 2}));
+  EXPECT_EQ(idsOf(groups[0]), (Ids{0, 1, 2}));  // with the shared point once
   EXPECT_TRUE(groups[1].empty());
-  EXPECT_EQ(tagged(capture), (Lines{"I:applyDbScanInner: 3", "I:applyDbScanInner: 0",
-                                    "I:applyDbScanInner: result size 2"}));
   for (Point const& point : points) EXPECT_TRUE(point.isClassed());
-}
-
-TEST(DBScanOld, KeepsTheEarliestOfTheLargestGroups) {
   // Three separate spots: a single point, then two pairs.
-  std::vector<Point> points = {Point(1, 1, 0), Point(0, 0, 1), Point(0, 0.0001, 2), Point(2, 2, 3),
-                               Point(2, 2.0001, 4)};
-  corvex_test::LogCapture capture;
-  EXPECT_EQ(idsOf(DBScanOld::getFilteredPointList(points, 100.0, 3)), (Ids{1, 2}));
-  EXPECT_EQ(tagged(capture),
-            (Lines{"I:getFilteredPointList", "I:applyDbScanInner: 1", "I:applyDbScanInner: 2",
-                   "I:applyDbScanInner: 2", "I:applyDbScanInner: result size 3"}));
+  std::vector<Point> spots = {Point(1, 1, 0), Point(0, 0, 1), Point(0, 0.0001, 2), Point(2, 2, 3),
+                              Point(2, 2.0001, 4)};
+  EXPECT_EQ(idsOf(DBScanOld::getFilteredPointList(spots, 100.0, 3)), (Ids{1, 2}));
 }
 
 TEST(DBScanOld, MergeListNeedsASharedPoint) {
@@ -85,7 +80,7 @@ TEST(DBScanOld, EmptyOrUnmeasurableInputGivesAnEmptyListWithAnError) {
   for (Case& c : cases) {
     corvex_test::LogCapture capture;
     EXPECT_TRUE(DBScanOld::getFilteredPointList(c.points, 100.0, 3).empty());
-    EXPECT_EQ(tagged(capture), c.log);
+    EXPECT_EQ(corvex_test::tagged(capture), c.log);
   }
 }
 

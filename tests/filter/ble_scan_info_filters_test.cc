@@ -8,7 +8,6 @@
 
 #include "support/filter_records.h"
 #include "support/log_capture.h"
-#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -32,22 +31,18 @@ BleScanInfoWithConfidence active(double x, long long time) {
   return makeRecord(x, 0, time, 0, 0.98);  // accuracy 10 m
 }
 
-TEST(BleScanInfoFilters, CountsAndGuards) {
+TEST(BleScanInfoFilters, ActiveAndGnssCountsHaveTheirBounds) {
   BleScanInfoWithConfidence inaccurate = active(0, 1);
   inaccurate.getLastLocation().setAcc(50.0f);
   Records const three = {gnss(0, 1), plain(0, 1), plain(0, 1)};
   Records four = three;
   four.push_back(plain(0, 1));
-  LogCapture capture;
+  LogCapture quiet;
   EXPECT_EQ(Filters::getActiveCount({inaccurate, active(0, 1), makeRecord(0, 0, 1, 0, 0.979)}), 1);
   // One GNSS record makes a candidate only in a cluster of four or more.
   EXPECT_EQ(Filters::getHaveGnssCluster({three, {plain(0, 1)}}), -1);
   EXPECT_EQ(Filters::getHaveGnssCluster({{plain(0, 1)}, four}), 1);
   EXPECT_EQ(Filters::getClusterByTimeSwitchCheck({{plain(0, 2)}}), -1);  // a lone record
-  EXPECT_EQ(tagged(capture), (Ids{"I:getActiveCount: 1", "I:getGnssCount: 1", "I:getGnssCount: 0",
-                                  "I:getGnssCount: 0", "I:getGnssCount: 1",
-                                  "I:only one GNSS, needs careful consideration",
-                                  "I:Latest points belong to: [0]"}));
 }
 
 TEST(BleScanInfoFilters, LatestClusterSavesTheOnlyRecentOneOrErasesTheStale) {
@@ -106,88 +101,15 @@ TEST(BleScanInfoFilters, StaticChoiceAppliesTheRulesInOrder) {
                                   "I:haveGnssCluster"}));
 }
 
-TEST(BleScanInfoFilters, ClusteringStagesKeepOneCluster) {
-  auto const expectKept = [](int stage, Records infos, Ids const& kept, Ids const& lines) {
-    SCOPED_TRACE(stage);
-    LogCapture capture;
-    Filters::dbscanClustering(infos, static_cast<Filters::DbscanStage>(stage));
-    EXPECT_EQ(idsOf(infos), kept);
-    EXPECT_EQ(tagged(capture), lines);
-  };
-  // The newest group, though smaller.
-  expectKept(0,
-             {plain(1e3, 1, "b"), plain(1e3, 2, "b"), plain(1e3, 3, "b"), plain(0, 5, "a"),
-              plain(9, 6, "a")},
-             {"a", "a"},
-             {"I:Cluster size: [3, 2]", "I:isValid set to false, valid len = 2",
-              "I:Latest points belong to: [1, 1, -1, -1, -1]",
-              "I:Filtered by DBScan stage 0, Infos size: 2, cluster size: 2"});
-  // The tag hopped: the biggest group.
-  expectKept(0,
-             {plain(0, 1, "a"), plain(1e3, 2, "b"), plain(1e3, 3, "b"), plain(1e3, 5, "b"),
-              plain(0, 6, "a")},
-             {"b", "b", "b"},
-             {"I:Cluster size: [2, 3]", "I:isValid set to false, valid len = 1",
-              "I:Latest points belong to: [0, -1, -1, -1, -1]",
-              "I:Filtered by DBScan stage 0, Infos size: 3, cluster size: 2"});
-  // All isolated: the last record as the list stands.
-  expectKept(0, {plain(0, 3, "x"), plain(1e3, 1, "y"), plain(2e3, 2, "z")}, {"z"},
-             {"I:Cluster failed, return latest info in stage 0",
-              "I:Filtered by DBScan stage 0, Infos size: 1, cluster size: 0"});
-  expectKept(1, {plain(0, 1, "a"), plain(59, 2, "b"), plain(120, 3, "c")}, {"a", "b"},
-             {"I:Filtered by DBScan stage 1, Infos size: 2, cluster size: 1"});
-  expectKept(7, {}, {},
-             {"E:infos == null or is empty", "I:Cluster failed, return latest info in stage 7",
-              "I:Filtered by DBScan stage 7, Infos size: 0, cluster size: 0"});
-}
-
 TEST(BleScanInfoFilters, PipelineIndoorsCutsAtSixHoursCountsSixStagesAndSortsByTime) {
   Records const infos = {
       plain(0, kNow - 7 * kHour, "7h"),        plain(1, kNow - 21600001, "6h+1"),
       plain(2, kNow - 21600000, "6h"),         makeRecord(3, 0, kNow - 2, 0, 0.7, "c"),
       makeRecord(4, 0, kNow - 1, 0, 0.9, "b"), makeRecord(5, 0, kNow, 0, 0.8, "a")};
   std::vector<int> infoCount;
-  LogCapture capture;
+  LogCapture quiet;
   EXPECT_EQ(idsOf(Filters::filter(infos, infoCount)), (Ids{"6h", "c", "b", "a"}));
   EXPECT_EQ(infoCount, (std::vector<int>{6, 4, 4, 4, 4, 4}));
-  EXPECT_EQ(tagged(capture),
-            (Ids{"I:Infos size(Before filter, Filtered by timeStamp, by kindTransID, by "
-                 "confidence): [6, 4, 4, 4]",
-                 "I:Filtered by DBScan stage 0, Infos size: 4, cluster size: 1",
-                 "I:Filtered by DBScan stage 1, Infos size: 4, cluster size: 1"}));
-}
-
-TEST(BleScanInfoFilters, PipelineKeepsHalfButAtLeastFifteenByConfidenceAndTenByDistance) {
-  struct Case {
-    int records;
-    bool outdoor;
-    std::vector<int> lastCounts;
-  } const cases[] = {{40, false, {20, 20, 20}},
-                     {20, false, {15, 15, 15}},
-                     {10, false, {10, 10, 10}},
-                     {30, true, {30, 30, 15}},
-                     {12, true, {12, 12, 10}}};
-  for (Case const& c : cases) {
-    // A row 7 m apart: one cluster, but far too spread out. Indoors the confidence is low.
-    Records infos;
-    for (int i = 0; i < c.records; ++i) {
-      infos.push_back(makeRecord(7.0 * i, 0, 1000 + i, c.outdoor ? 1 : 0, c.outdoor ? 0.7 : 0.5));
-    }
-    std::vector<int> infoCount;
-    LogCapture capture;
-    Filters::filter(infos, infoCount);
-    ASSERT_EQ(infoCount.size(), c.outdoor ? 8u : 6u);
-    EXPECT_EQ(std::vector<int>(infoCount.end() - 3, infoCount.end()), c.lastCounts) << c.records;
-    if (c.outdoor) {
-      // No record is proactive, so the cohesion check meets an empty list.
-      Ids const lines = tagged(capture);
-      EXPECT_EQ(
-          Ids(lines.end() - 4, lines.end()),
-          (Ids{"I:GnssRatio: 1.000000", "E:infos == null or is empty",
-               "I:Infos size(Filtered by GNSS std): " + std::to_string(c.records),
-               "I:Infos size(Filtered by distance std): " + std::to_string(c.lastCounts[2])}));
-    }
-  }
 }
 
 TEST(BleScanInfoFilters, PipelineRefusesEmptyInputAndSurvivesExtremeTimes) {

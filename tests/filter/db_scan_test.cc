@@ -12,7 +12,6 @@
 #include "support/filter_records.h"
 #include "support/literal_db_scan.h"
 #include "support/log_capture.h"
-#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {

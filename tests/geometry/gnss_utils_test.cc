@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "support/log_capture.h"
-#include "support/tagged_lines.h"
 
 namespace Vantis::Location {
 namespace {
@@ -51,17 +50,6 @@ TEST(GnssUtils, CohesionAllowsSpreadUpToThirty) {
   EXPECT_EQ(corvex_test::tagged(capture),
             (std::vector<std::string>{"I:checkCohesion stdPointError(infos) = 30.500000, bypass",
                                       "I:checkCohesion infos.size() = 1, bypass"}));
-}
-
-TEST(GnssUtils, EmptyListLogsOnceAndGivesNeutralValues) {
-  std::vector<BleScanInfoWithConfidence> const empty;
-  LogCapture capture;
-  EXPECT_EQ(GnssUtils::getGnssCount(empty), 0);
-  EXPECT_FALSE(GnssUtils::isOutDoor(empty));
-  EXPECT_TRUE(GnssUtils::getGnssProactiveList(empty).empty());
-  EXPECT_FALSE(GnssUtils::checkCohesion(empty));
-  EXPECT_EQ(corvex_test::tagged(capture),
-            std::vector<std::string>(4, "E:infos == null or is empty"));
 }
 
 }  // namespace

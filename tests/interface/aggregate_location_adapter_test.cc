@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
 #include "support/aggregate_call.h"
@@ -12,7 +11,6 @@ namespace {
 
 AggregateScanInfo indoorInfo(const char* geoId, const char* floorInfo) {
   AggregateScanInfo info = corvex_test::outdoorScan(1700000000123, -71, 0, 0);
-  info.reserved[0] = 77;  // never read
   info.locationSourceType = 3;
   info.indoorFlag = 1;
   info.floorId = 3;
@@ -20,15 +18,6 @@ AggregateScanInfo indoorInfo(const char* geoId, const char* floorInfo) {
   info.floorInfo = floorInfo;
   info.geoId = geoId;
   return info;
-}
-
-TEST(AggregateLocationAdapter, CopiesScanFieldsWithDefaultsForTheRest) {
-  EXPECT_EQ(AggregateLocationAdapter::toScanInfo(indoorInfo("B1", "F3")).toString(),
-            "BleScanInfo{blueToothRecord=BlueToothRecord{name='', mac='', "
-            "timeStamp=1700000000123, rssi=-71}, lastLocation=LastLocation{timeStamp = 0, lat = "
-            "47.3769, lon = 8.5417, acc = 8, speed = 0, bearing = 0, locationType = 1, "
-            "locationSourceType = 3, indoorFlag = 1, buildingId = B1, floor = 3, floorAcc = 2, "
-            "isEnu = 0}, arStatus=0, stepCount=0, confidence=0.9, newConfidence=0, kindTransID=}");
 }
 
 // geoId/floorInfo/indoorFlag/floorId/floorAcc of the record read from an indoor element.
@@ -59,38 +48,6 @@ TEST(AggregateLocationAdapter, ReadsExactlyCountRecordsInScanTimeOrder) {
   EXPECT_EQ(scans[2].getInputIndex(), 2);
   EXPECT_TRUE(AggregateLocationAdapter::toScanInfos(infos, 0).empty());
   EXPECT_TRUE(AggregateLocationAdapter::toScanInfos(infos, -5).empty());
-}
-
-TEST(AggregateLocationAdapter, PublishesEveryFieldAndFreshStrings) {
-  TagBestLocation location(8.5, 47.25, 1234, 0.75, 6.5f);
-  location.setRunTimeStamp(5678);
-  location.setGeoId("B7");
-  location.setFloorId(-2);
-  location.setFloorAcc(4);
-  location.setIndoorFlag(1);
-  location.getTagStat().setInfoCount({3, 2});
-  AggregateLocationResult result;
-  std::memset(&result, 0xAB, sizeof result);
-  char* trace = nullptr;
-  AggregateLocationAdapter::publish(location, &result, &trace);
-
-  EXPECT_EQ(result.timeStamp, 1234);
-  EXPECT_EQ(result.runTimeStamp, 5678);
-  EXPECT_EQ(result.lon, 8.5);
-  EXPECT_EQ(result.lat, 47.25);
-  EXPECT_EQ(result.confidence, 0.75);
-  EXPECT_EQ(result.acc, 6.5f);
-  EXPECT_STREQ(result.geoId, "B7");
-  EXPECT_STREQ(result.floorInfo, "");
-  EXPECT_NE(result.floorInfo, result.geoId);
-  EXPECT_EQ(result.floorId, -2);
-  EXPECT_EQ(result.floorAcc, 4);
-  EXPECT_EQ(result.indoorFlag, 1);
-  EXPECT_STREQ(trace,
-               R"({"version":"V2.0","errorCode":0,"errorMsg":"Success","infoCount":[3, 2]})");
-  delete[] result.geoId;
-  delete[] result.floorInfo;
-  delete[] trace;
 }
 
 }  // namespace

@@ -77,7 +77,8 @@ TEST(GetAggregateLocation, AnswersMemoryExhaustionWithUnknownError) {
     int failedCalls = 0;
     for (long failAt = 0; failedCalls == failAt; ++failAt) {  // until a call succeeds
       AggregateLocationResult result;
-      char* trace = nullptr;
+      char sentinel = 's';
+      char* trace = &sentinel;  // every outcome must overwrite it
       allocationFailed = false;
       allocationsUntilFailure = failAt;
       int const code =

@@ -6,13 +6,13 @@
 
 #include <algorithm>
 #include <cstring>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "support/aggregate_call.h"
 #include "support/log_capture.h"
+#include "support/whole_call_tags.h"
 
 namespace corvex_test {
 namespace {
@@ -20,34 +20,6 @@ namespace {
 using Vantis::Location::LocateTrace;
 using Fate = LocateTrace::Fate;
 using Input = std::vector<AggregateScanInfo>;
-
-// Scans over a day around two sites 2 km apart, some indoors, some far too old, some NaN.
-Input mixedScans(std::mt19937_64& random, int count) {
-  static char const* const kBuildings[] = {"B1", "B2", "null"};
-  std::uniform_real_distribution<double> unit(0.0, 1.0);
-  Input infos;
-  for (int i = 0; i < count; ++i) {
-    bool const farSite = unit(random) < 0.2;
-    infos.push_back(outdoorScan(1700000000000 + static_cast<long long>(unit(random) * 8.64e7),
-                                -50 - static_cast<int>(unit(random) * 50),
-                                (farSite ? 0.02 : 0.0) + unit(random) * 8e-4, unit(random) * 8e-4));
-    AggregateScanInfo& info = infos.back();
-    info.confidence = unit(random);
-    info.locationType = unit(random) < 0.5 ? 1 : 2;
-    info.locationSourceType = 1 + static_cast<int>(unit(random) * 3);
-    if (unit(random) < 0.3) {
-      info.geoId = kBuildings[random() % 3];
-      info.floorInfo = "F";
-      info.floorId = static_cast<int>(random() % 3);
-      info.floorAcc = 10 + static_cast<int>(random() % 5);
-      info.indoorFlag = 1;
-    }
-    if (unit(random) < 0.02) {
-      info.lat = std::numeric_limits<double>::quiet_NaN();
-    }
-  }
-  return infos;
-}
 
 std::vector<int> infoCountOf(std::string const& traceLog) {
   std::vector<int> counts;
@@ -85,24 +57,29 @@ TracedCall callWithTrace(Input const& infos) {
 }
 
 TEST(LocateWithTrace, ObserverChangesNoOutputAndItsFatesAddUpToTheStageCounts) {
-  std::mt19937_64 random(7);
-  for (int round = 0; round < 60; ++round) {
-    Input const infos = mixedScans(random, 1 + round * 7);
+  for (Tag const& tag : wholeCallTags()) {
+    Input const& infos = tag.infos;
     LogCapture capture;
     AggregateCall const plain = callGetAggregateLocation(infos);
     std::vector<LogLine> const plainLines = capture.lines();
     TracedCall const traced = callWithTrace(infos);
-    ASSERT_TRUE(traced.call.sameAs(plain)) << "round " << round;
-    ASSERT_EQ(traced.lines, plainLines) << "round " << round;
+    ASSERT_TRUE(traced.call.sameAs(plain)) << tag.name;
+    ASSERT_EQ(traced.lines, plainLines) << tag.name;
 
     LocateTrace const& trace = traced.trace;
     std::vector<int> const counts = infoCountOf(plain.traceLog);
     ASSERT_EQ(trace.fates.size(), infos.size());
+    // The local plane's origin is the oldest record, the first of equal times.
+    AggregateScanInfo const& oldest = *std::min_element(
+        infos.begin(), infos.end(), [](auto& a, auto& b) { return a.timeStamp < b.timeStamp; });
+    EXPECT_TRUE(trace.hasReference);
+    EXPECT_EQ(std::memcmp(&trace.referenceLon, &oldest.lon, sizeof(double)), 0) << tag.name;
+    EXPECT_EQ(std::memcmp(&trace.referenceLat, &oldest.lat, sizeof(double)), 0) << tag.name;
     // Slot s counts the records left after stage s, so stage s removed slot s-1 minus slot s.
     for (std::size_t slot = 1; slot < counts.size(); ++slot) {
       EXPECT_EQ(std::count(trace.fates.begin(), trace.fates.end(), static_cast<Fate>(slot)),
                 counts[slot - 1] - counts[slot])
-          << "round " << round << ", stage " << slot;
+          << tag.name << ", stage " << slot;
     }
     if (!counts.empty()) {
       EXPECT_EQ(std::count(trace.fates.begin(), trace.fates.end(), Fate::kKept), counts.back());

@@ -52,19 +52,22 @@ TEST(BleScanInfoWithConfidence, OrdersByRecordThenScoresPassingOverNaN) {
   EXPECT_FALSE(b < a);
 }
 
-TEST(BleScanInfoWithConfidence, PrintsScoresWithSixSignificantDigits) {
+// Scores with six significant digits, the location with fifteen and its float widened.
+TEST(BleScanInfoWithConfidence, PrintsEveryField) {
   BleScanInfoWithConfidence info(BlueToothRecord("t", "M", 1, -60),
-                                 LastLocation(116.397128, 39.916527, 2.0f, 1, 0), 0, 3,
+                                 LastLocation(116.397128, 39.916527, 0.1f, 1, 2), 0, 3,
                                  0.123456789);
   info.setNewConfidence(2.0 / 3.0);
   info.setKindTransId("k");
+  info.getLastLocation().setIndoorInfo(1, "B1", 3, 4, "F3");
   EXPECT_EQ(info.toString(),
             "BleScanInfo{blueToothRecord=BlueToothRecord{name='t', mac='M', timeStamp=1, "
             "rssi=-60}, lastLocation=LastLocation{timeStamp = 0, lat = 39.916527, "
-            "lon = 116.397128, acc = 2, speed = 0, bearing = 0, locationType = 1, "
-            "locationSourceType = 0, indoorFlag = 0, buildingId = , floor = -100, floorAcc = 0, "
-            "isEnu = 0}, arStatus=0, stepCount=3, confidence=0.123457, newConfidence=0.666667, "
-            "kindTransID=k}");
+            "lon = 116.397128, acc = 0.100000001490116, speed = 0, bearing = 0, "
+            "locationType = 1, locationSourceType = 2, indoorFlag = 1, buildingId = B1, "
+            "floor = 3, floorAcc = 4, isEnu = 0}, arStatus=0, stepCount=3, confidence=0.123457, "
+            "newConfidence=0.666667, kindTransID=k}");
+  EXPECT_EQ(info.getLastLocationConst().getFloorInfo(), "F3");
 }
 
 }  // namespace

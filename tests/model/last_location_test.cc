@@ -8,21 +8,6 @@
 namespace Vantis::Location {
 namespace {
 
-TEST(LastLocation, PrintsFifteenDigitsLatBeforeLonAndWidenedFloats) {
-  LastLocation location(116.397128, 39.916527, 0.1f, 1, 2);
-  EXPECT_EQ(location.toString(),
-            "LastLocation{timeStamp = 0, lat = 39.916527, lon = 116.397128, "
-            "acc = 0.100000001490116, speed = 0, bearing = 0, locationType = 1, "
-            "locationSourceType = 2, indoorFlag = 0, buildingId = , floor = -100, floorAcc = 0, "
-            "isEnu = 0}");
-
-  location.setIndoorInfo(1, "B1", 3, 0, "F3");
-  EXPECT_EQ(location.getGeoId(), "B1");
-  EXPECT_EQ(location.getFloorInfo(), "F3");
-  EXPECT_EQ(location.getFloorId(), 3);
-  EXPECT_EQ(location.getIndoorFlag(), 1);
-}
-
 TEST(LastLocation, OrdersByItsOwnFieldListIgnoringFloorInfo) {
   using Tweak = void (*)(LastLocation&);
   // Each tweak raises one field, in comparison order: a raised earlier field outweighs any later.

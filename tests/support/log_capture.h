@@ -1,8 +1,7 @@
-// Captures the library's log lines of the calling thread for the lifetime of the object.
+// Captures the library's log lines of the calling thread, every level, while it lives.
 #ifndef CORVEX_TESTS_SUPPORT_LOG_CAPTURE_H_
 #define CORVEX_TESTS_SUPPORT_LOG_CAPTURE_H_
 
-#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -10,34 +9,36 @@
 
 namespace corvex_test {
 
-struct LogLine {
-  int level;
-  std::string message;
-
-  bool operator==(LogLine const& other) const {
-    return level == other.level && message == other.message;
-  }
-};
-
-void PrintTo(LogLine const& line, std::ostream* os);
+using LogLine = Vantis::Location::LogCapture::Line;
 
 // Level shorthands matching the platform levels.
 constexpr int kDebug = 3;
 constexpr int kInfo = 4;
-constexpr int kWarn = 5;
 constexpr int kError = 6;
 
-class LogCapture {
+class LogCapture : public Vantis::Location::LogCapture {
  public:
-  std::vector<LogLine> lines() const;
-  std::vector<std::string> messages() const;
-  // Messages logged at one level only.
-  std::vector<std::string> messages(int level) const;
-  void clear() { capture_.take(); }
+  LogCapture() : Vantis::Location::LogCapture(kDebug) {}
 
- private:
-  Vantis::Location::LogCapture capture_{kDebug};
+  // Messages logged at one level only.
+  std::vector<std::string> messages(int level) const {
+    std::vector<std::string> out;
+    for (LogLine const& line : lines()) {
+      if (line.level == level) out.push_back(line.message);
+    }
+    return out;
+  }
 };
+
+// The lines written "<level letter>:<message>" (D, I, W or E), so that a whole log can be
+// expected as one short list of strings.
+inline std::vector<std::string> tagged(LogCapture const& capture) {
+  std::vector<std::string> tags;
+  for (LogLine const& line : capture.lines()) {
+    tags.push_back(std::string(1, "DIWE"[line.level - kDebug]) + ":" + line.message);
+  }
+  return tags;
+}
 
 }  // namespace corvex_test
 

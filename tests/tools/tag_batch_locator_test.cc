@@ -4,14 +4,12 @@
 
 #include <cmath>
 #include <fstream>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "tools/scan_stream_reader.h"
-#include "tools/scan_table_reader.h"
 
 namespace corvex_cli {
 namespace {
@@ -33,45 +31,6 @@ std::vector<std::string> answers(std::string const& text, Format format, int job
   EXPECT_TRUE(ScanStreamReader::read(&input, false, &locator, &error)) << error;
   locator.finish();
   return {locator.answers().begin(), locator.answers().end()};
-}
-
-// The example's rows dealt out tag by tag, round robin: each tag's records keep their order,
-// but every tag reappears after it was handed on.
-std::string interleaved(std::string const& csv) {
-  std::istringstream lines(csv);
-  std::string header;
-  std::getline(lines, header);
-  std::map<std::string, std::vector<std::string>> byTag;
-  std::vector<std::string> order;
-  for (std::string line; std::getline(lines, line);) {
-    std::string const tag = line.substr(0, line.find(','));
-    order.push_back(tag);
-    byTag[tag].push_back(line);
-  }
-  std::string out = header + "\n";
-  for (size_t i = 0, dealt = 0; dealt < order.size(); ++i) {
-    for (auto& [tag, rows] : byTag) {
-      if (i < rows.size()) {
-        out += rows[i] + "\n";
-        ++dealt;
-      }
-    }
-  }
-  return out;
-}
-
-TEST(TagBatchLocator, AnswersAsIfEveryTagWereReadWholeWhateverTheJobCount) {
-  std::string const text = interleaved(examples());
-  ScanTable table;
-  std::string error;
-  ASSERT_TRUE(ScanTableReader::readText("in.csv", text, &table, &error)) << error;
-  std::vector<std::string> whole;
-  for (size_t i = 0; i < table.size(); ++i) {
-    whole.push_back(TagLocator::locate(table.tag(i), {}));
-  }
-  ASSERT_EQ(whole.size(), 5u);
-  EXPECT_EQ(answers(text, Format::kJsonLines, 1), whole);
-  EXPECT_EQ(answers(text, Format::kJsonLines, 3), whole);
 }
 
 // Splits one CSV row (quoted cells may hold commas and doubled quotes).
