@@ -18,6 +18,7 @@ namespace {
 
 using corvex_test::Ids;
 using corvex_test::idsOf;
+using corvex_test::ordersStrictWeakly;
 using corvex_test::Records;
 using Scan = DbScan<BleScanInfoWithConfidence>;
 
@@ -126,21 +127,6 @@ TEST(DbScan, SingleStepsWorkOnTheirOwn) {
   Records seeds = {infos[0]};  // judged against the seeds as they were at entry
   Scan::merge(seeds, {infos[2], infos[1], infos[1]});
   EXPECT_EQ(idsOf(seeds), (Ids{"a", "b", "b"}));
-}
-
-// Irreflexive, transitive, and with transitive incomparability, checked on every triple.
-bool ordersStrictWeakly(Records const& infos) {
-  auto const tied = [](auto const& a, auto const& b) { return !(a < b) && !(b < a); };
-  for (auto const& a : infos) {
-    for (auto const& b : infos) {
-      for (auto const& c : infos) {
-        if (a < a || (a < b && b < c && !(a < c)) || (tied(a, b) && tied(b, c) && !tied(a, c))) {
-          return false;
-        }
-      }
-    }
-  }
-  return true;
 }
 
 // Records sharing a scan time, some with NaN fields. Where operator< still orders them strictly

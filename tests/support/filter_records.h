@@ -39,6 +39,22 @@ inline std::vector<Ids> idsOf(std::vector<Records> const& clusters) {
   return ids;
 }
 
+// Irreflexive, transitive, and with transitive incomparability: operator< checked on every
+// triple (cubic; for small sets).
+inline bool ordersStrictWeakly(Records const& infos) {
+  auto const tied = [](auto const& a, auto const& b) { return !(a < b) && !(b < a); };
+  for (auto const& a : infos) {
+    for (auto const& b : infos) {
+      for (auto const& c : infos) {
+        if (a < a || (a < b && b < c && !(a < c)) || (tied(a, b) && tied(b, c) && !tied(a, c))) {
+          return false;
+        }
+      }
+    }
+  }
+  return true;
+}
+
 }  // namespace corvex_test
 
 #endif  // CORVEX_TESTS_SUPPORT_FILTER_RECORDS_H_
