@@ -130,10 +130,7 @@ def group_rows(frame: pd.DataFrame, by: str) -> tuple[Any, np.ndarray, np.ndarra
     codes, tags = pd.factorize(frame[by])
     if len(codes) and codes.min() < 0:  # missing tags form a group too (a slower pass)
         codes, tags = pd.factorize(frame[by], use_na_sentinel=False)
-    # Stable sorts of 16-bit keys are radix sorts, linear in the rows.
-    rows = np.argsort(codes.astype(np.int16) if len(tags) <= 32767 else codes, kind="stable")
-    offsets = np.zeros(len(tags) + 1, np.int64)
-    np.cumsum(np.bincount(codes, minlength=len(tags)), out=offsets[1:])
+    rows, offsets = _core.rows_by_group(codes, len(tags))
     return tags, rows, offsets
 
 

@@ -36,7 +36,6 @@ FIELDS = ("timeStamp", "rssi", "confidence", "lon", "lat", "acc", "locationType"
 INDOOR_FIELDS = ("indoorFlag", "floorId", "floorAcc")
 
 _NUMERIC_OBJECTS = ("integer", "floating", "mixed-integer-float", "decimal", "empty")
-_TEXT_OBJECTS = ("string", "bytes", "empty")
 
 
 def as_frame(records: Any) -> pd.DataFrame:
@@ -142,7 +141,7 @@ def text_column(frame: pd.DataFrame, name: str) -> np.ndarray:
     """The column as an object array of str or bytes; None, NaN and NA stand for no text."""
     column = _Column(frame, name)
     values = np.asarray(column.values, dtype=object)
-    if pd.api.types.infer_dtype(values, skipna=True) not in _TEXT_OBJECTS:
+    if _core.first_non_text(values, pd.NA) >= 0:
         column.fail_first(
             np.fromiter((not (isinstance(v, (str, bytes)) or pd.isna(v)) for v in values), bool,
                         len(values)),

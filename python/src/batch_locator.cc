@@ -25,14 +25,14 @@ double threadCpuSeconds() {
 
 std::vector<GroupOutcome> BatchLocator::locateAll(const int64_t* rows, const int64_t* offsets,
                                                   size_t groups, int jobs) const {
-  std::vector<AggregateScanInfo> const ordered =
+  std::unique_ptr<AggregateScanInfo[]> const ordered =
       inGroupOrder(rows, groups > 0 ? static_cast<size_t>(offsets[groups]) : 0);
   std::vector<GroupOutcome> outcomes(groups);
   std::atomic<size_t> next{0};
   auto const work = [&] {
     for (size_t g = next++; g < groups; g = next++) {
       outcomes[g] =
-          locate(ordered.data() + offsets[g], static_cast<size_t>(offsets[g + 1] - offsets[g]));
+          locate(ordered.get() + offsets[g], static_cast<size_t>(offsets[g + 1] - offsets[g]));
     }
   };
   corvex_cli::WorkerPool pool(jobs);  // declared after outcomes: joins before they go
@@ -44,7 +44,8 @@ std::vector<GroupOutcome> BatchLocator::locateAll(const int64_t* rows, const int
   return outcomes;
 }
 
-std::vector<AggregateScanInfo> BatchLocator::inGroupOrder(const int64_t* rows, size_t count) const {
+std::unique_ptr<AggregateScanInfo[]> BatchLocator::inGroupOrder(const int64_t* rows,
+                                                                size_t count) const {
   // Reading the columns row after row and putting each record where its group wants it
   // touches far fewer cache lines than fetching a group's scattered rows from every column.
   constexpr size_t kUnused = SIZE_MAX;
@@ -56,7 +57,8 @@ std::vector<AggregateScanInfo> BatchLocator::inGroupOrder(const int64_t* rows, s
     }
     slot = i;
   }
-  std::vector<AggregateScanInfo> ordered(count);
+  // Left uninitialised: every slot is written once below, and zeroing first would cost as much.
+  std::unique_ptr<AggregateScanInfo[]> ordered(new AggregateScanInfo[count]);
   for (size_t row = 0; row < columns_.rows; ++row) {
     if (place[row] != kUnused) {
       ordered[place[row]] = columns_.record(row);

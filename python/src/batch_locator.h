@@ -2,6 +2,7 @@
 #define CORVEX_PYTHON_BATCH_LOCATOR_H_
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "calculator/locate_trace.h"
@@ -35,7 +36,7 @@ class BatchLocator {
 
  private:
   // The records of rows[0] to rows[count - 1], in that order.
-  std::vector<AggregateScanInfo> inGroupOrder(const int64_t* rows, size_t count) const;
+  std::unique_ptr<AggregateScanInfo[]> inGroupOrder(const int64_t* rows, size_t count) const;
   GroupOutcome locate(AggregateScanInfo const* infos, size_t count) const;
 
   ScanColumns const& columns_;

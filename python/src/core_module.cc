@@ -255,6 +255,36 @@ py::tuple locateFile(corvex_cli::FileLocator::Request const& request) {
   return py::make_tuple(outcome.exitCode, py::bytes(outcome.text), messages);
 }
 
+// Rows grouped by code (0 to groups - 1), each group's rows in input order, and where each
+// group starts: a counting sort, linear in the rows.
+py::tuple rowsByGroup(py::array_t<int64_t, py::array::c_style | py::array::forcecast> const& codes,
+                      int64_t groups) {
+  if (groups < 0) {
+    throw py::value_error("groups must not be negative");
+  }
+  int64_t const* const code = codes.data();
+  auto const count = static_cast<size_t>(codes.size());
+  py::array_t<int64_t> offsets(groups + 1);
+  int64_t* const start = offsets.mutable_data();
+  std::fill(start, start + groups + 1, 0);
+  for (size_t row = 0; row < count; ++row) {
+    if (code[row] < 0 || code[row] >= groups) {
+      throw py::value_error("code out of range");
+    }
+    ++start[code[row] + 1];
+  }
+  for (int64_t g = 0; g < groups; ++g) {
+    start[g + 1] += start[g];
+  }
+  py::array_t<int64_t> rows(static_cast<py::ssize_t>(count));
+  int64_t* const out = rows.mutable_data();
+  std::vector<int64_t> next(start, start + groups);
+  for (size_t row = 0; row < count; ++row) {
+    out[next[static_cast<size_t>(code[row])]++] = static_cast<int64_t>(row);
+  }
+  return py::make_tuple(rows, offsets);
+}
+
 }  // namespace
 }  // namespace corvex_python
 
@@ -273,6 +303,15 @@ PYBIND11_MODULE(_core, module) {
         return TextColumn::hasText(objectArray(objects, "objects"), missing);
       },
       py::arg("objects"), py::arg("missing"), "Where an object array holds a non-empty text.");
+  module.def(
+      "first_non_text",
+      [](py::handle objects, py::handle missing) {
+        return TextColumn::firstNonText(objectArray(objects, "objects"), missing);
+      },
+      py::arg("objects"), py::arg("missing"),
+      "Row of the first object that is neither text nor missing, or -1.");
+  module.def("rows_by_group", &rowsByGroup, py::arg("codes"), py::arg("groups"),
+             "(rows, offsets): group g holds rows[offsets[g]:offsets[g + 1]], in input order.");
   module.def("read_scans", &readScans, py::arg("path"),
              "The records of a scan file as columns, or the file's first mistake.");
   module.def(

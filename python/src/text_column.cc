@@ -42,6 +42,20 @@ TextColumn::TextColumn(py::array const& objects, py::handle missing) {
   }
 }
 
+long long TextColumn::firstNonText(py::array const& objects, py::handle missing) {
+  auto* const values = static_cast<PyObject* const*>(objects.data());
+  PyObject* previous = nullptr;  // a column often repeats one object row after row
+  for (py::ssize_t row = 0; row < objects.size(); ++row) {
+    PyObject* const value = values[row];
+    if (value != previous && !PyUnicode_Check(value) && !PyBytes_Check(value) &&
+        !isMissing(value, missing.ptr())) {
+      return static_cast<long long>(row);
+    }
+    previous = value;
+  }
+  return -1;
+}
+
 py::array_t<bool> TextColumn::hasText(py::array const& objects, py::handle missing) {
   auto* const values = static_cast<PyObject* const*>(objects.data());
   py::array_t<bool> has(objects.size());

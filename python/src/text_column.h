@@ -26,6 +26,9 @@ class TextColumn {
   // Row of the first value that is not text, or -1.
   long long firstBadRow() const { return firstBadRow_; }
 
+  // Row of the first object that is neither text nor missing, or -1.
+  static long long firstNonText(pybind11::array const& objects, pybind11::handle missing);
+
   // Where the objects hold a non-empty text (not missing, not "").
   static pybind11::array_t<bool> hasText(pybind11::array const& objects, pybind11::handle missing);
 
