@@ -1,40 +1,20 @@
 // The least-squares range fit as the position calculator runs it, on 100 to 5000 anchors: a
 // short fit (noisy ranges, converges in a few iterations) and a long one (anchors within 10 um
 // of each other and ranges that disagree, so the fit crawls for hundreds of iterations).
-// Counts heap allocations per optimize call with a replaced global operator new.
+// Counts heap allocations per optimize call with the counting allocator.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <vector>
 
+#include "counting_allocator.h"
 #include "solver/constriction_inspector.h"
 #include "solver/lm_optimizer.h"
 #include "solver/ls_problem.h"
 #include "solver/tag_value_and_jacobian_function.h"
-
-namespace {
-std::size_t allocations = 0;
-
-void* allocate(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) {
-    return memory;
-  }
-  throw std::bad_alloc();
-}
-}  // namespace
-
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -79,9 +59,9 @@ void optimize(benchmark::State& state, bool crawling) {
   std::size_t allocated = 0;
   int evaluations = 0;
   for (auto _ : state) {
-    std::size_t const before = allocations;
+    corvex_bench::resetAllocationStats();
     OptimizerResult const result = optimizer.optimize(problem);
-    allocated += allocations - before;
+    allocated += corvex_bench::allocationStats().allocations;
     evaluations = result.getEvaluations();
     benchmark::DoNotOptimize(result.getRMS());
   }
