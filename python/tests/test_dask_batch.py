@@ -1,5 +1,3 @@
-import time
-
 import dask
 import dask.dataframe as dd
 import pandas as pd
@@ -25,13 +23,11 @@ def in_first_appearance_order(result):
 def test_a_million_records_on_two_worker_processes_equal_locate_many(cluster):
     frame = scenes.crowd(tags=500, records_per_tag=2000, seed=12)
     expected = corvex.locate_many(frame, jobs=2)
-    start = time.monotonic()
     # Each tag's records are spread over every partition.
     ddf = dd.from_pandas(frame, npartitions=6, sort=False)
     with Client(cluster):
         result = corvex.dask.locate(ddf, by="tag").compute()
     pd.testing.assert_frame_equal(in_first_appearance_order(result), expected)
-    assert time.monotonic() - start < 120
 
 
 @pytest.mark.parametrize("scheduler", ["sync", "threads", "processes"])
