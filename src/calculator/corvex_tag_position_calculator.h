@@ -9,6 +9,7 @@
 #include "calculator/locate_trace.h"
 #include "calculator/position_calculator.h"
 #include "model/ble_scan_info_with_confidence.h"
+#include "model/shared_text.h"
 #include "model/tag_best_location.h"
 #include "solver/value_and_jacobian_function.h"
 
@@ -112,8 +113,8 @@ class CorvexTagPositionCalculator : public PositionCalculator {
   std::vector<double> reference_;  // {lon, lat} of the plane's origin while getPosition runs
 };
 
-extern template std::string_view CorvexTagPositionCalculator::selectMostOccurrences<
-    std::string_view>(std::vector<std::string_view> const& values);
+extern template SharedText CorvexTagPositionCalculator::selectMostOccurrences<SharedText>(
+    std::vector<SharedText> const& values);
 extern template int CorvexTagPositionCalculator::selectMostOccurrences<int>(
     std::vector<int> const& values);
 

@@ -57,10 +57,6 @@ int halfAtLeast(size_t count, int floor) {
   return half > floor ? half : floor;
 }
 
-bool hasKind(BleScanInfoWithConfidence const& info) {
-  return !info.getKindTransId().empty() && info.getKindTransId() != "0";
-}
-
 // The records at most six hours older than the last (newest) one, in order.
 RecordSubset withinSixHours(std::vector<BleScanInfoWithConfidence> const& infos) {
   long long const newest = timeStampOf(infos.back());
@@ -177,7 +173,7 @@ std::vector<BleScanInfoWithConfidence> BleScanInfoFilters::filter(
   markRemoved(fates, result, Fate::kAgeCut);
   infoCount.push_back(static_cast<int>(result.size()));
   // Without kinds the filter would keep every record in order, so it need not run.
-  if (std::any_of(result.begin(), result.end(), hasKind)) {
+  if (std::any_of(result.begin(), result.end(), KindTransIDFilter::hasKind)) {
     result.keep(KindTransIDFilter::keep(result));
   }
   markRemoved(fates, result, Fate::kKindTransId);

@@ -9,13 +9,7 @@ namespace Vantis::Location {
 
 std::vector<BleScanInfoWithConfidence> ConfidenceFilter::filter(
     std::vector<BleScanInfoWithConfidence> const& infos, int minItems, double threshold) {
-  std::vector<size_t> const kept = keep(infos, minItems, threshold);
-  std::vector<BleScanInfoWithConfidence> result;
-  result.reserve(kept.size());
-  for (size_t index : kept) {
-    result.push_back(infos[index]);
-  }
-  return result;
+  return RecordSubset(infos, keep(infos, minItems, threshold)).records();
 }
 
 std::vector<size_t> ConfidenceFilter::keep(RecordSubset const& infos, int minItems,

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <set>
 #include <string>
@@ -129,12 +128,8 @@ DbScan<T>::DbScan(double eps, int minPts)
 template <typename T>
 std::vector<std::vector<T>> DbScan<T>::cluster(std::vector<T> const& infos) const {
   std::vector<std::vector<T>> clusters;
-  for (std::vector<size_t> const& members : clusterIndices(infos)) {
-    clusters.emplace_back();
-    clusters.back().reserve(members.size());
-    for (size_t member : members) {
-      clusters.back().push_back(infos[member]);
-    }
+  for (std::vector<size_t>& members : clusterIndices(infos)) {
+    clusters.push_back(RecordSubset(infos, std::move(members)).records());
   }
   return clusters;
 }

@@ -59,11 +59,7 @@ int DistanceOffsetFilter::getOldestIndex(std::vector<BleScanInfoWithConfidence> 
 
 std::vector<BleScanInfoWithConfidence> DistanceOffsetFilter::filterByDistance(
     std::vector<BleScanInfoWithConfidence> const& infos, int minItems, double maxStd) {
-  std::vector<BleScanInfoWithConfidence> result;
-  for (size_t index : keepByDistance(infos, minItems, maxStd)) {
-    result.push_back(infos[index]);
-  }
-  return result;
+  return RecordSubset(infos, keepByDistance(infos, minItems, maxStd)).records();
 }
 
 std::vector<size_t> DistanceOffsetFilter::keepByDistance(RecordSubset const& infos, int minItems,

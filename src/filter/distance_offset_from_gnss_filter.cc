@@ -24,13 +24,7 @@ bool DistanceOffsetFromGnssFilter::checkValid(RecordSubset const& infos) {
 
 std::vector<BleScanInfoWithConfidence> DistanceOffsetFromGnssFilter::filter(
     std::vector<BleScanInfoWithConfidence> const& infos) {
-  std::vector<size_t> const kept = keep(infos);
-  std::vector<BleScanInfoWithConfidence> result;
-  result.reserve(kept.size());
-  for (size_t index : kept) {
-    result.push_back(infos[index]);
-  }
-  return result;
+  return RecordSubset(infos, keep(infos)).records();
 }
 
 std::vector<size_t> DistanceOffsetFromGnssFilter::keep(RecordSubset const& infos) {

@@ -9,17 +9,14 @@
 
 namespace Vantis::Location {
 
-namespace {
-bool hasNoKind(std::string const& kind) { return kind.empty() || kind == "0"; }
-}  // namespace
-
 std::vector<BleScanInfoWithConfidence> KindTransIDFilter::filter(
     std::vector<BleScanInfoWithConfidence> const& infos) {
-  std::vector<BleScanInfoWithConfidence> result;
-  for (size_t index : keep(infos)) {
-    result.push_back(infos[index]);
-  }
-  return result;
+  return RecordSubset(infos, keep(infos)).records();
+}
+
+bool KindTransIDFilter::hasKind(BleScanInfoWithConfidence const& info) {
+  std::string const& kind = info.getKindTransId();
+  return !kind.empty() && kind != "0";
 }
 
 std::vector<size_t> KindTransIDFilter::keep(RecordSubset const& infos) {
@@ -31,11 +28,10 @@ std::vector<size_t> KindTransIDFilter::keep(RecordSubset const& infos) {
   // Keys are views of the records' own texts, which outlive the map.
   std::map<std::string_view, std::vector<size_t>> groups;
   for (size_t i = 0; i < infos.size(); ++i) {
-    std::string const& kind = infos[i].getKindTransId();
-    if (hasNoKind(kind)) {
-      kept.push_back(i);
+    if (hasKind(infos[i])) {
+      groups[infos[i].getKindTransId()].push_back(i);
     } else {
-      groups[kind].push_back(i);
+      kept.push_back(i);
     }
   }
   for (auto& entry : groups) {

@@ -18,6 +18,8 @@ class KindTransIDFilter {
       std::vector<BleScanInfoWithConfidence> const& infos);
   // The same selection as indices into `infos`, in the order filter() returns the records.
   static std::vector<size_t> keep(RecordSubset const& infos);
+  // Whether the record names a transmission kind (neither "" nor "0").
+  static bool hasKind(BleScanInfoWithConfidence const& info);
 };
 
 }  // namespace Vantis::Location

@@ -51,8 +51,6 @@ class RecordSubset {
   Record const& back() const { return (*this)[size() - 1]; }
   Iterator begin() const { return Iterator(all_, positions_.begin()); }
   Iterator end() const { return Iterator(all_, positions_.end()); }
-  // Position in the list of the k-th record.
-  size_t positionOf(size_t k) const { return positions_[k]; }
 
   // Keeps the records at `members` (indices into this subset, each at most once), in that
   // order.

@@ -23,6 +23,13 @@ struct Field {
   bool (*isNaN)(Record const& record);  // null for a field that cannot be NaN
 };
 
+// A floating-point field of the record's location, read by `get`.
+template <auto get>
+constexpr Field locationNumber() {
+  return {[](Record const& a, Record const& b) { return order((at(a).*get)(), (at(b).*get)()); },
+          [](Record const& r) { return std::isnan((at(r).*get)()); }};
+}
+
 // The record's own scan has no NaN field, so it counts as one field.
 Field const kFields[] = {
     {[](Record const& a, Record const& b) {
@@ -33,16 +40,11 @@ Field const kFields[] = {
        return order(at(a).getTimeStamp(), at(b).getTimeStamp());
      },
      nullptr},
-    {[](Record const& a, Record const& b) { return order(at(a).getLat(), at(b).getLat()); },
-     [](Record const& r) { return std::isnan(at(r).getLat()); }},
-    {[](Record const& a, Record const& b) { return order(at(a).getLon(), at(b).getLon()); },
-     [](Record const& r) { return std::isnan(at(r).getLon()); }},
-    {[](Record const& a, Record const& b) { return order(at(a).getAcc(), at(b).getAcc()); },
-     [](Record const& r) { return std::isnan(at(r).getAcc()); }},
-    {[](Record const& a, Record const& b) { return order(at(a).getSpeed(), at(b).getSpeed()); },
-     [](Record const& r) { return std::isnan(at(r).getSpeed()); }},
-    {[](Record const& a, Record const& b) { return order(at(a).getBearing(), at(b).getBearing()); },
-     [](Record const& r) { return std::isnan(at(r).getBearing()); }},
+    locationNumber<&LastLocation::getLat>(),
+    locationNumber<&LastLocation::getLon>(),
+    locationNumber<&LastLocation::getAcc>(),
+    locationNumber<&LastLocation::getSpeed>(),
+    locationNumber<&LastLocation::getBearing>(),
     {[](Record const& a, Record const& b) {
        return order(at(a).getLocationType(), at(b).getLocationType());
      },
