@@ -9,7 +9,7 @@
 #include "platform/linux_log_sink.h"
 #include "tools/exit_code.h"
 #include "tools/explain_report.h"
-#include "tools/scan_table_reader.h"
+#include "tools/scan_stream_reader.h"
 #include "tools/tag_locator.h"
 
 namespace corvex_cli {
@@ -125,7 +125,7 @@ int ExplainCommand::run(Options const& options) {
   std::string error;
   TagScans const* tag = nullptr;
   ExplainReport::Tiles tiles;
-  if (!ScanTableReader::readFile(options.path, &tags, &error) ||
+  if (!ScanStreamReader::readFile(options.path, /*strict=*/false, &tags, &error) ||
       !chooseTag(tags, options, &tag, &error) || (options.tiles && !readLeaflet(&tiles, &error))) {
     std::cerr << "corvex: " << error << "\n";
     return kExitBadCommand;
