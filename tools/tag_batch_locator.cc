@@ -31,6 +31,10 @@ void TagBatchLocator::dispatch(size_t index) {
   while (answers_.size() <= index) {
     answers_.emplace_back();
   }
+  locateLater(index);
+}
+
+void TagBatchLocator::locateLater(size_t index) {
   TagScans const* const tag = &table_.tag(index);
   std::string* const answer = &answers_[index];
   pool_.submit([this, tag, answer] {
@@ -50,12 +54,7 @@ void TagBatchLocator::finish() {
   for (size_t index = 0; index < table_.size(); ++index) {
     if (table_.mergeLate(index)) {
       --tagsDone_;
-      TagScans const* const tag = &table_.tag(index);
-      std::string* const answer = &answers_[index];
-      pool_.submit([this, tag, answer] {
-        *answer = TagLocator::locate(*tag, options_);
-        ++tagsDone_;
-      });
+      locateLater(index);
     }
   }
   waitAll();
