@@ -33,8 +33,8 @@ void unescape(char const* begin, char const* end, std::string* out) {
 
 }  // namespace
 
-CsvScanReader::CsvScanReader(InputBuffer* in, ScanRecordBuilder* builder, ScanConsumer* consumer)
-    : in_(in), builder_(builder), consumer_(consumer) {}
+CsvScanReader::CsvScanReader(InputBuffer* in, ScanRecordBuilder* builder)
+    : in_(in), builder_(builder) {}
 
 bool CsvScanReader::read(std::string* error) {
   if (!readHeader(error)) {
@@ -47,7 +47,7 @@ bool CsvScanReader::read(std::string* error) {
     if (status == Status::kEnd) {
       return !in_->failed();
     }
-    if (status == Status::kFailed || !readRecord(error)) {
+    if (status == Status::kFailed || !builder_->finish(error)) {
       return false;
     }
   }
@@ -93,15 +93,6 @@ bool CsvScanReader::readHeader(std::string* error) {
     }
   }
   fieldOfColumn_ = std::move(fields);
-  return true;
-}
-
-bool CsvScanReader::readRecord(std::string* error) {
-  ScanRecord record;
-  if (!builder_->finish(&record, error) || !consumer_->add(record, error)) {
-    return false;
-  }
-  ++records_;
   return true;
 }
 

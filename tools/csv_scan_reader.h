@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "tools/input_buffer.h"
-#include "tools/scan_consumer.h"
 #include "tools/scan_record_builder.h"
 
 namespace corvex_cli {
@@ -21,11 +20,10 @@ class CsvScanReader {
   static constexpr size_t kMaxRowBytes = 1 << 20;
 
   // in: positioned after any byte order mark.
-  CsvScanReader(InputBuffer* in, ScanRecordBuilder* builder, ScanConsumer* consumer);
+  CsvScanReader(InputBuffer* in, ScanRecordBuilder* builder);
 
-  // Reads to the end. False with "name:line: problem" in error.
+  // Reads to the end, each record into the builder. False with "name:line: problem" in error.
   bool read(std::string* error);
-  size_t records() const { return records_; }
 
  private:
   enum class Status { kRow, kNeedMore, kEnd, kFailed };
@@ -49,17 +47,14 @@ class CsvScanReader {
   template <typename OnField>
   Status nextRow(OnField const& onField, std::string* error);
   bool readHeader(std::string* error);
-  bool readRecord(std::string* error);
   bool setValue(size_t column, Field const& field, std::string* error);
   std::string at(int line) const;
 
   InputBuffer* in_;
   ScanRecordBuilder* builder_;
-  ScanConsumer* consumer_;
   std::vector<int> fieldOfColumn_;  // -1 for a column that is not read
   int line_ = 1;                    // line where the next row starts
   int rowLine_ = 1;                 // line where the current row starts
-  size_t records_ = 0;
 };
 
 }  // namespace corvex_cli

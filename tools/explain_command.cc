@@ -3,14 +3,14 @@
 #include <cstdio>
 #include <fstream>
 #include <iostream>
-#include <memory>
 #include <sstream>
+#include <utility>
 
-#include "interface/locate_with_trace.h"
 #include "platform/linux_log_sink.h"
 #include "tools/exit_code.h"
 #include "tools/explain_report.h"
-#include "tools/scan_table_reader.h"
+#include "tools/scan_stream_reader.h"
+#include "tools/tag_locator.h"
 
 namespace corvex_cli {
 namespace {
@@ -107,23 +107,16 @@ ExplainModel ExplainCommand::explain(TagScans const& tag) {
   ExplainModel model;
   model.tag = tag.tag;
   model.records = tag.infos;
-  std::vector<AggregateScanInfo> const& infos = model.records;
-  char* traceLog = nullptr;
-  {
-    Vantis::Location::LogCapture capture(Vantis::Location::kPlatformLogDebug);
-    model.code = Vantis::Location::locateWithTrace(infos.data(), static_cast<int>(infos.size()),
-                                                   &model.result, &traceLog, &model.trace);
-    model.log = capture.take();
-  }
-  // The library hands the three strings over; they are released with delete[].
-  std::unique_ptr<char[]> const geoId(model.result.geoId);
-  std::unique_ptr<char[]> const floorInfo(model.result.floorInfo);
-  std::unique_ptr<char[]> const trace(traceLog);
-  model.geoId = geoId != nullptr ? geoId.get() : "";
-  model.floorInfo = floorInfo != nullptr ? floorInfo.get() : "";
-  model.traceLog = trace != nullptr ? trace.get() : "";
+  TagLocator::Outcome outcome = TagLocator::call(model.records.data(), model.records.size(),
+                                                 Vantis::Location::kPlatformLogDebug, &model.trace);
+  model.code = outcome.code;
+  model.result = outcome.result;
   model.result.geoId = nullptr;
   model.result.floorInfo = nullptr;
+  model.geoId = outcome.geoId != nullptr ? outcome.geoId.get() : "";
+  model.floorInfo = outcome.floorInfo != nullptr ? outcome.floorInfo.get() : "";
+  model.traceLog = outcome.traceLog != nullptr ? outcome.traceLog.get() : "";
+  model.log = std::move(outcome.log);
   return model;
 }
 
@@ -132,7 +125,7 @@ int ExplainCommand::run(Options const& options) {
   std::string error;
   TagScans const* tag = nullptr;
   ExplainReport::Tiles tiles;
-  if (!ScanTableReader::readFile(options.path, &tags, &error) ||
+  if (!ScanStreamReader::readFile(options.path, /*strict=*/false, &tags, &error) ||
       !chooseTag(tags, options, &tag, &error) || (options.tiles && !readLeaflet(&tiles, &error))) {
     std::cerr << "corvex: " << error << "\n";
     return kExitBadCommand;

@@ -3,7 +3,6 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
-#include <vector>
 
 #include "tools/explain_model.h"
 #include "tools/scan_table.h"

@@ -37,8 +37,8 @@ std::string shown(char c) {
 
 }  // namespace
 
-JsonScanReader::JsonScanReader(InputBuffer* in, ScanRecordBuilder* builder, ScanConsumer* consumer)
-    : in_(in), builder_(builder), consumer_(consumer) {}
+JsonScanReader::JsonScanReader(InputBuffer* in, ScanRecordBuilder* builder)
+    : in_(in), builder_(builder) {}
 
 bool JsonScanReader::read(std::string* error) {
   bool closed = false;
@@ -77,11 +77,9 @@ bool JsonScanReader::read(std::string* error) {
       return false;
     }
     if (!closed) {
-      ScanRecord record;
-      if (!builder_->finish(&record, error) || !consumer_->add(record, error)) {
+      if (!builder_->finish(error)) {
         return false;
       }
-      ++records_;
       separated = false;
       if (!consumeBlanks(error) || step(afterElement, error) != Step::kDone) {
         return false;

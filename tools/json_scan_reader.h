@@ -8,7 +8,6 @@
 #include <unordered_set>
 
 #include "tools/input_buffer.h"
-#include "tools/scan_consumer.h"
 #include "tools/scan_record_builder.h"
 
 namespace corvex_cli {
@@ -27,11 +26,10 @@ class JsonScanReader {
   static constexpr int kMaxDepth = 64;
 
   // in: positioned after any byte order mark.
-  JsonScanReader(InputBuffer* in, ScanRecordBuilder* builder, ScanConsumer* consumer);
+  JsonScanReader(InputBuffer* in, ScanRecordBuilder* builder);
 
-  // Reads to the end. False with "name:line: problem" in error.
+  // Reads to the end, each record into the builder. False with "name:line: problem" in error.
   bool read(std::string* error);
-  size_t records() const { return records_; }
 
  private:
   enum class Step { kDone, kFailed };
@@ -61,7 +59,6 @@ class JsonScanReader {
 
   InputBuffer* in_;
   ScanRecordBuilder* builder_;
-  ScanConsumer* consumer_;
   char const* p_ = nullptr;
   char const* end_ = nullptr;
   bool atEnd_ = false;
@@ -72,7 +69,6 @@ class JsonScanReader {
   std::string skipped_;  // text of strings that are not kept
   std::unordered_set<std::string> otherKeys_;
   size_t elements_ = 0;
-  size_t records_ = 0;
 };
 
 }  // namespace corvex_cli

@@ -40,8 +40,8 @@ std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"
 
 }  // namespace
 
-ScanRecordBuilder::ScanRecordBuilder(std::string name, bool strict)
-    : name_(std::move(name)), strict_(strict) {}
+ScanRecordBuilder::ScanRecordBuilder(std::string name, bool strict, ScanConsumer* consumer)
+    : name_(std::move(name)), strict_(strict), consumer_(consumer) {}
 
 char const* ScanRecordBuilder::fieldName(int field) { return kFieldNames[field].data(); }
 
@@ -88,7 +88,16 @@ std::string* ScanRecordBuilder::scratch(int field) {
   return &values_[field].scratch;
 }
 
-bool ScanRecordBuilder::finish(ScanRecord* record, std::string* error) {
+bool ScanRecordBuilder::finish(std::string* error) {
+  ScanRecord record;
+  if (!build(&record, error) || !consumer_->add(record, error)) {
+    return false;
+  }
+  ++records_;
+  return true;
+}
+
+bool ScanRecordBuilder::build(ScanRecord* record, std::string* error) const {
   AggregateScanInfo& info = record->info;
   info = AggregateScanInfo{};
   long long timeStamp = 0;

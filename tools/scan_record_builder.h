@@ -2,18 +2,21 @@
 #define CORVEX_TOOLS_SCAN_RECORD_BUILDER_H_
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "tools/scan_consumer.h"
 #include "tools/scan_record.h"
 
 namespace corvex_cli {
 
-// Collects the values of one input record as written, then checks and converts them. Every
-// field but tag needs a value, except that the indoor fields (indoorFlag, floorId, floorAcc,
-// floorInfo) may be left out when geoId is empty or missing; they are then not read. Integers
-// must be whole and fit their width; CSV numbers may be padded and written as nan or inf.
+// Collects the values of one input record as written, then checks and converts them and hands
+// the record on. Every field but tag needs a value, except that the indoor fields (indoorFlag,
+// floorId, floorAcc, floorInfo) may be left out when geoId is empty or missing; they are then not
+// read. Integers must be whole and fit their width; CSV numbers may be padded and written as nan or
+// inf.
 class ScanRecordBuilder {
  public:
   enum Field : int {
@@ -42,7 +45,8 @@ class ScanRecordBuilder {
   };
 
   // name: the input's name, for messages. strict: refuse values no phone produces.
-  ScanRecordBuilder(std::string name, bool strict);
+  // consumer: takes each finished record.
+  ScanRecordBuilder(std::string name, bool strict, ScanConsumer* consumer);
 
   static char const* fieldName(int field);
   // The field of a column or key name, or -1.
@@ -57,8 +61,11 @@ class ScanRecordBuilder {
   void set(int field, Kind kind, std::string_view text, int line);
   // A buffer for a value that had to be decoded; set() it afterwards.
   std::string* scratch(int field);
-  // False with "name:line: field 'x': problem" in error.
-  bool finish(ScanRecord* record, std::string* error);
+  // Checks and converts the record and hands it on. False with "name:line: field 'x':
+  // problem" (or the consumer's message) in error.
+  bool finish(std::string* error);
+  // Records handed on so far.
+  size_t records() const { return records_; }
 
  private:
   struct Value {
@@ -67,6 +74,7 @@ class ScanRecordBuilder {
     int line = 0;
     std::string scratch;
   };
+  bool build(ScanRecord* record, std::string* error) const;
   template <typename T>
   bool readNumber(int field, T* value, char const* typeName, std::string* error) const;
   bool readInt32(int field, int32_t* value, std::string* error) const;
@@ -78,6 +86,8 @@ class ScanRecordBuilder {
 
   std::string name_;
   bool strict_;
+  ScanConsumer* consumer_;
+  size_t records_ = 0;
   int line_ = 0;
   std::array<Value, kFieldCount> values_;
 };

@@ -41,26 +41,17 @@ bool startsJson(InputBuffer* in, std::string* error) {
 
 bool ScanStreamReader::read(InputBuffer* in, bool strict, ScanConsumer* consumer,
                             std::string* error) {
-  ScanRecordBuilder builder(in->name(), strict);
+  ScanRecordBuilder builder(in->name(), strict, consumer);
   bool const json = startsJson(in, error);
   if (in->failed()) {
     return false;
   }
-  size_t records = 0;
-  if (json) {
-    JsonScanReader reader(in, &builder, consumer);
-    if (!reader.read(error)) {
-      return false;
-    }
-    records = reader.records();
-  } else {
-    CsvScanReader reader(in, &builder, consumer);
-    if (!reader.read(error)) {
-      return false;
-    }
-    records = reader.records();
+  bool const read =
+      json ? JsonScanReader(in, &builder).read(error) : CsvScanReader(in, &builder).read(error);
+  if (!read) {
+    return false;
   }
-  if (records == 0) {
+  if (builder.records() == 0) {
     *error = in->name() + ": no records";
     return false;
   }

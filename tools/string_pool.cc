@@ -3,8 +3,13 @@
 namespace corvex_cli {
 
 char const* StringPool::intern(std::string_view text) {
-  // insert() looks the text up before it allocates a node.
-  return texts_.insert(std::string(text)).first->c_str();
+  auto const found = known_.find(text);
+  if (found != known_.end()) {
+    return found->data();
+  }
+  std::string const& kept = texts_.emplace_back(text);
+  known_.insert(kept);
+  return kept.c_str();
 }
 
 }  // namespace corvex_cli

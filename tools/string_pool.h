@@ -1,6 +1,7 @@
 #ifndef CORVEX_TOOLS_STRING_POOL_H_
 #define CORVEX_TOOLS_STRING_POOL_H_
 
+#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -12,10 +13,12 @@ namespace corvex_cli {
 // other texts are added: other threads may read through earlier pointers meanwhile.
 class StringPool {
  public:
+  // Copies the text only the first time it is seen.
   char const* intern(std::string_view text);
 
  private:
-  std::unordered_set<std::string> texts_;  // nodes never move
+  std::deque<std::string> texts_;               // deque: growing it never moves a text
+  std::unordered_set<std::string_view> known_;  // views of texts_
 };
 
 }  // namespace corvex_cli

@@ -2,9 +2,12 @@
 
 #include <chrono>
 
+#include "calculator/corvex_tag_position_calculator.h"
+
 namespace corvex_cli {
 namespace {
-constexpr size_t kRecordsPerCall = 5000;    // the library refuses more (500020)
+// The library refuses more (500020).
+constexpr size_t kRecordsPerCall = Vantis::Location::CorvexTagPositionCalculator::kMaxInfos;
 constexpr size_t kProgressEvery = 1 << 14;  // records
 }  // namespace
 
@@ -31,6 +34,10 @@ void TagBatchLocator::dispatch(size_t index) {
   while (answers_.size() <= index) {
     answers_.emplace_back();
   }
+  locateLater(index);
+}
+
+void TagBatchLocator::locateLater(size_t index) {
   TagScans const* const tag = &table_.tag(index);
   std::string* const answer = &answers_[index];
   pool_.submit([this, tag, answer] {
@@ -50,12 +57,7 @@ void TagBatchLocator::finish() {
   for (size_t index = 0; index < table_.size(); ++index) {
     if (table_.mergeLate(index)) {
       --tagsDone_;
-      TagScans const* const tag = &table_.tag(index);
-      std::string* const answer = &answers_[index];
-      pool_.submit([this, tag, answer] {
-        *answer = TagLocator::locate(*tag, options_);
-        ++tagsDone_;
-      });
+      locateLater(index);
     }
   }
   waitAll();
@@ -92,8 +94,8 @@ std::vector<std::string> TagBatchLocator::notes() const {
     }
     if (used > kRecordsPerCall) {
       notes.push_back(name + std::to_string(used) + " records, more than the " +
-                      std::to_string(kRecordsPerCall) +
-                      " one call takes (code 500020); --newest 5000 keeps the newest");
+                      std::to_string(kRecordsPerCall) + " one call takes (code 500020); --newest " +
+                      std::to_string(kRecordsPerCall) + " keeps the newest");
     }
   }
   return notes;

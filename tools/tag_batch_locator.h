@@ -38,6 +38,8 @@ class TagBatchLocator : public ScanConsumer {
 
  private:
   void dispatch(size_t index);
+  // Hands the tag to a worker, which puts its answer in place.
+  void locateLater(size_t index);
   void showProgress(bool reading);
 
   TagLocator::Options options_;
