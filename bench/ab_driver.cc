@@ -17,11 +17,10 @@
 #include <vector>
 
 #include "corvex/aggregate_location.h"
+#include "loaded_entry_point.h"
 #include "scan_families.h"
 
 namespace {
-
-using Locate = int (*)(const AggregateScanInfo*, int, AggregateLocationResult*, char**);
 
 // Sizes cycle through small and large lists, the limits included.
 constexpr int kSizes[] = {1, 2, 3, 4, 7, 12, 20, 33, 60, 101, 250, 700, 1000, 5000, 5001, 0};
@@ -69,10 +68,7 @@ int main(int argc, char** argv) {
   // The library reads both once, at its first log line.
   setenv("CORVEX_LOG_FILE", logPath, 1);
   setenv("CORVEX_LOG_LEVEL", "debug", 1);
-  void* library = dlopen(argv[1], RTLD_NOW | RTLD_LOCAL);
-  auto const locate = library != nullptr
-                          ? reinterpret_cast<Locate>(dlsym(library, "GetAggregateLocation"))
-                          : nullptr;
+  corvex_bench::Locate const locate = corvex_bench::loadEntryPoint(argv[1]);
   if (locate == nullptr) {
     std::fprintf(stderr, "cannot load GetAggregateLocation from %s: %s\n", argv[1], dlerror());
     return 2;
@@ -93,9 +89,7 @@ int main(int argc, char** argv) {
       std::printf("== %s call %d size %d\n", family.name, call, size);
       printCall(code, result, trace);
       std::fputs(log.next().c_str(), stdout);
-      delete[] result.geoId;
-      delete[] result.floorInfo;
-      delete[] trace;
+      corvex_bench::releaseStrings(result, trace);
     }
   }
   unlink(logPath);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "corvex/aggregate_location.h"
+#include "loaded_entry_point.h"
 #include "scan_families.h"
 
 namespace {
@@ -21,9 +22,7 @@ void locate(benchmark::State& state, corvex_bench::ScanFamily const* family) {
     char* trace = nullptr;
     benchmark::DoNotOptimize(
         GetAggregateLocation(infos.data(), static_cast<int>(infos.size()), &result, &trace));
-    delete[] result.geoId;
-    delete[] result.floorInfo;
-    delete[] trace;
+    corvex_bench::releaseStrings(result, trace);
   }
 }
 

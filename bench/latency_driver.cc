@@ -18,15 +18,14 @@
 
 #include "corvex/aggregate_location.h"
 #include "counting_allocator.h"
+#include "loaded_entry_point.h"
 #include "scan_families.h"
 
 namespace {
 
-using Locate = int (*)(const AggregateScanInfo*, int, AggregateLocationResult*, char**);
-
 struct Build {
   std::string path;
-  Locate locate = nullptr;
+  corvex_bench::Locate locate = nullptr;
   std::vector<double> millis;
   std::vector<std::size_t> allocations;
   std::size_t peakBytes = 0;
@@ -70,13 +69,13 @@ Options parse(int argc, char** argv) {
   return options;
 }
 
-Locate load(std::string const& path) {
-  void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) {
+corvex_bench::Locate load(std::string const& path) {
+  corvex_bench::Locate const locate = corvex_bench::loadEntryPoint(path.c_str());
+  if (locate == nullptr) {
     std::fprintf(stderr, "cannot load %s: %s\n", path.c_str(), dlerror());
     std::exit(2);
   }
-  return reinterpret_cast<Locate>(dlsym(library, "GetAggregateLocation"));
+  return locate;
 }
 
 void timeCall(Build& build, std::vector<AggregateScanInfo> const& infos) {
@@ -87,9 +86,7 @@ void timeCall(Build& build, std::vector<AggregateScanInfo> const& infos) {
   build.locate(infos.data(), static_cast<int>(infos.size()), &result, &trace);
   auto const end = std::chrono::steady_clock::now();
   corvex_bench::AllocationStats const stats = corvex_bench::allocationStats();
-  delete[] result.geoId;
-  delete[] result.floorInfo;
-  delete[] trace;
+  corvex_bench::releaseStrings(result, trace);
   build.millis.push_back(std::chrono::duration<double, std::milli>(end - start).count());
   build.allocations.push_back(stats.allocations);
   build.peakBytes = std::max(build.peakBytes, stats.peakBytes);

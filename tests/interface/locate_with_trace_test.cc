@@ -41,17 +41,9 @@ struct TracedCall {
 TracedCall callWithTrace(Input const& infos) {
   TracedCall traced;
   LogCapture capture;
-  char* trace = nullptr;
-  AggregateCall& call = traced.call;
-  call.code = Vantis::Location::locateWithTrace(infos.data(), static_cast<int>(infos.size()),
-                                                &call.result, &trace, &traced.trace);
-  call.geoId = call.result.geoId;
-  call.floorInfo = call.result.floorInfo;
-  call.traceLog = trace;
-  delete[] call.result.geoId;
-  delete[] call.result.floorInfo;
-  delete[] trace;
-  call.result.geoId = call.result.floorInfo = nullptr;
+  traced.call = callGetAggregateLocation(infos, [&traced](auto... arguments) {
+    return Vantis::Location::locateWithTrace(arguments..., &traced.trace);
+  });
   traced.lines = capture.lines();
   return traced;
 }

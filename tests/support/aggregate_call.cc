@@ -36,13 +36,14 @@ bool AggregateCall::sameAs(AggregateCall const& other) const {
          traceLog == other.traceLog;
 }
 
-AggregateCall callGetAggregateLocation(std::vector<AggregateScanInfo> const& infos) {
+AggregateCall callGetAggregateLocation(std::vector<AggregateScanInfo> const& infos,
+                                       Locate const& locate) {
   AggregateCall call;
   char* trace = nullptr;
   // An empty vector may have no storage; the entry point would read that as null infos.
   static AggregateScanInfo const kNoRecord{};
   const AggregateScanInfo* data = infos.empty() ? &kNoRecord : infos.data();
-  call.code = GetAggregateLocation(data, static_cast<int>(infos.size()), &call.result, &trace);
+  call.code = locate(data, static_cast<int>(infos.size()), &call.result, &trace);
   call.stringsPresent =
       call.result.geoId != nullptr && call.result.floorInfo != nullptr && trace != nullptr;
   call.geoId = takeString(call.result.geoId);

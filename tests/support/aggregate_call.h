@@ -2,6 +2,7 @@
 #ifndef CORVEX_TESTS_SUPPORT_AGGREGATE_CALL_H_
 #define CORVEX_TESTS_SUPPORT_AGGREGATE_CALL_H_
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,11 @@ struct AggregateCall {
   bool sameAs(AggregateCall const& other) const;
 };
 
-AggregateCall callGetAggregateLocation(std::vector<AggregateScanInfo> const& infos);
+// The entry point's signature, so that a test can call an instrumented variant in its place.
+using Locate = std::function<int(const AggregateScanInfo*, int, AggregateLocationResult*, char**)>;
+
+AggregateCall callGetAggregateLocation(std::vector<AggregateScanInfo> const& infos,
+                                       Locate const& locate = GetAggregateLocation);
 
 // A plausible outdoor record near a fixed point; offsets in degrees.
 AggregateScanInfo outdoorScan(long long timeStamp, int rssi, double lonOffset, double latOffset);
